@@ -5,6 +5,7 @@
 
 #include "tavix/records.h"
 
+#pragma GCC visibility push(default)
 extern "C" {
 using TavixReader = void*;
 using TavixWriter = void*;
@@ -32,6 +33,10 @@ int TAVIX_loadframe_8(void* first, void* second);
 void TAVIX_installcallbacks64_4(const TavixCallbacks* callbacks);
 int TAVIX_open_12(TavixReader* reader, intptr_t stream, const char* path);
 
+// Not one of the 21 table entries: routes the library's messages to the
+// program's print hook (looked up separately by the binding).
+void TAVIX_installprint_4(void (*hook)(const char* text));
+
 extern TavixAbout TAVIXabout;
 
 // Build information about the library itself.
@@ -42,3 +47,4 @@ struct TavixBuildInfo {
 };
 extern TavixBuildInfo TTFinfo;
 }
+#pragma GCC visibility pop

@@ -1,0 +1,60 @@
+#pragma once
+// The shape of a driver. A driver is one file (or folder) under drivers/
+// that defines one `Driver` record: its description, a detector, and
+// factories for a reader and a writer. Readers and writers work on whole
+// files in memory; the entry points do the stream I/O around them.
+
+#include "tavix/core/Host.h"
+#include "tavix/core/Picture.h"
+#include "tavix/core/Errors.h"
+#include "tavix/records.h"
+
+#include <cstdint>
+#include <initializer_list>
+#include <span>
+
+namespace tavix {
+
+class FrameReader {
+  public:
+    virtual ~FrameReader() = default;
+    virtual int frameCount() const = 0;
+    // `info` arrives zeroed with size, version, frame and quality set. A
+    // driver that keeps data of its own beyond the fixed record appends it
+    // to `tail`; it comes back to the driver's writer unchanged.
+    virtual void describe(int frame, TavixInfo& info, Bytes& tail) = 0;
+    virtual void decode(int frame, Picture& out) = 0;
+};
+
+class FrameWriter {
+  public:
+    virtual ~FrameWriter() = default;
+    // `tail` is whatever followed the fixed record in the caller's info.
+    virtual void add(const TavixInfo& info, std::span<const uint8_t> tail, Picture&& picture) = 0;
+    virtual void finish(Bytes& file) = 0;
+};
+
+enum DetectScore { kNotMine = 0, kByName = 1, kByContent = 2 };
+
+struct Driver {
+    const char* shortname;
+    void (*about)(TavixAbout& about);
+    // `head` is the start of the file (up to kDetectBytes); path may be empty.
+    DetectScore (*detect)(std::span<const uint8_t> head, const char* path);
+    HostPtr<FrameReader> (*open)(Bytes&& file);
+    // Null (after a report) when the driver cannot write `frames` frames.
+    HostPtr<FrameWriter> (*create)(int frames);
+};
+
+constexpr size_t kDetectBytes = 65536;
+
+int driverCount();
+const Driver* driverAt(int index); // null when out of range
+
+// Helpers shared by the drivers.
+void fillAbout(TavixAbout& about, uint32_t formatid, const char* shortname, uint32_t caps,
+               std::initializer_list<const char*> extensions, const char* description);
+void copyText(char* to, size_t capacity, const char* from);
+bool hasExtension(const char* path, const char* extension); // case-insensitive, ".tga"
+
+} // namespace tavix
