@@ -1,0 +1,50 @@
+#pragma once
+// Whole-file reading and writing through the bound codec library, in the
+// library's calling order. The document adds progress and images on top;
+// zytool and the tests use these directly.
+
+#include "tavix/records.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+struct GFreeDelete {
+    void operator()(void* block) const;
+};
+// A record from the library or the allocator, freed with gfree.
+using TavixInfoPtr = std::unique_ptr<TavixInfo, GFreeDelete>;
+
+// A copy of `info` by its size field, allocated with galloc (null on failure).
+TavixInfoPtr CopyTavixInfo(const TavixInfo& info);
+// A zeroed record of the fixed size with version and quality set.
+TavixInfoPtr NewTavixInfo();
+
+struct TavixFrame {
+    TavixInfoPtr info;
+    std::vector<uint8_t> pixels; // rows top to bottom, `pitch` bytes apart
+    int32_t pitch = 0;
+};
+
+// Bytes per row for a frame of this width and buffer depth, padded to 4.
+int32_t TavixRowPitch(int32_t width, int32_t bufferbpp);
+
+struct TavixReadResult {
+    bool ok = false;
+    int driver = -1;
+    std::string error;
+    std::vector<TavixFrame> frames;
+};
+
+// Called before each frame with (index, count); return false to stop.
+using TavixProgress = std::function<bool(int, int)>;
+
+TavixReadResult TavixReadFile(const std::string& path, const TavixProgress& progress = {});
+
+// Writes every frame with the driver; false with `error` set on failure.
+// The file at `path` is created (with its folders) and written as it goes:
+// callers that must not lose an old file write to a temporary path first.
+bool TavixWriteFile(const std::string& path, int driver, const std::vector<const TavixFrame*>& frames,
+                    std::string& error, const TavixProgress& progress = {});
