@@ -15,7 +15,9 @@ struct GFreeDelete {
     void operator()(void* block) const;
 };
 // A record from the library or the allocator, freed with gfree.
-using TavixInfoPtr = std::unique_ptr<TavixInfo, GFreeDelete>;
+template <typename T> using GPtr = std::unique_ptr<T, GFreeDelete>;
+using TavixInfoPtr = GPtr<TavixInfo>;
+using TavixAboutPtr = GPtr<TavixAbout>;
 
 // A copy of `info` by its size field, allocated with galloc (null on failure).
 TavixInfoPtr CopyTavixInfo(const TavixInfo& info);
@@ -48,3 +50,10 @@ TavixReadResult TavixReadFile(const std::string& path, const TavixProgress& prog
 // callers that must not lose an old file write to a temporary path first.
 bool TavixWriteFile(const std::string& path, int driver, const std::vector<const TavixFrame*>& frames,
                     std::string& error, const TavixProgress& progress = {});
+
+// TavixWriteFile into a temporary file beside `path`, renamed over `path`
+// only when the whole write succeeded: a failed or cancelled write leaves
+// any old file untouched and no partial file behind.
+bool TavixWriteFileSafely(const std::string& path, int driver,
+                          const std::vector<const TavixFrame*>& frames, std::string& error,
+                          const TavixProgress& progress = {});

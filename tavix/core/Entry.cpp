@@ -108,6 +108,24 @@ int bestDriverFor(std::span<const uint8_t> head, const char* path) {
     return best;
 }
 
+int openReader(TavixReader* handle, intptr_t stream, const char* path) {
+    if (handle) *handle = nullptr;
+    return guarded(0, [&] {
+        const Driver* driver = current();
+        if (!handle || !driver || !stream) return 0;
+        auto state = makeHost<ReaderState>();
+        state->driver = g_current;
+        state->reader = driver->open(readWhole(stream));
+        int frames = state->reader ? state->reader->frameCount() : 0;
+        if (frames <= 0) {
+            if (state->reader) report("tavix: %s holds no images\n", path ? path : "the file");
+            return 0;
+        }
+        *handle = state.release();
+        return frames;
+    });
+}
+
 } // namespace
 
 extern "C" {
@@ -121,11 +139,13 @@ TavixAbout TAVIXabout = [] {
 
 TavixBuildInfo TTFinfo = {"libtavix", "1.00", 8};
 
+#ifndef TAVIX_WITHOUT_INIT
 unsigned char TAVIX_init_0() {
     g_current = 0;
     TTFinfo.drivers = driverCount();
     return 1;
 }
+#endif
 
 void TAVIX_restore_0() { g_current = 0; }
 
@@ -149,26 +169,16 @@ int TAVIX_is_4(intptr_t stream) {
     });
 }
 
+// The tests build variants of the library that lack one entry, to prove the
+// binding copes with older libraries; these switches exist only for them.
+#ifndef TAVIX_WITHOUT_OPEN16
 int TAVIX_open_16(TavixReader* handle, intptr_t stream, const char* path, int /*flag*/) {
-    if (handle) *handle = nullptr;
-    return guarded(0, [&] {
-        const Driver* driver = current();
-        if (!handle || !driver || !stream) return 0;
-        auto state = makeHost<ReaderState>();
-        state->driver = g_current;
-        state->reader = driver->open(readWhole(stream));
-        int frames = state->reader ? state->reader->frameCount() : 0;
-        if (frames <= 0) {
-            if (state->reader) report("tavix: %s holds no images\n", path ? path : "the file");
-            return 0;
-        }
-        *handle = state.release();
-        return frames;
-    });
+    return openReader(handle, stream, path);
 }
+#endif
 
 int TAVIX_open_12(TavixReader* handle, intptr_t stream, const char* path) {
-    return TAVIX_open_16(handle, stream, path, 1);
+    return openReader(handle, stream, path);
 }
 
 TavixInfo* TAVIX_info_8(TavixReader handle, int frame) {

@@ -1,0 +1,54 @@
+// zytool: Zy's batch tool. It works through the same codec binding and
+// image library as the editor, without a window.
+
+#include "cli/Tool.h"
+#include "cli/Verbs.h"
+
+#include <cstdio>
+#include <cstring>
+#include <exception>
+
+namespace {
+
+struct Verb {
+    const char* name;
+    const char* usage;
+    int (*run)(const zytool::Args&);
+};
+
+const Verb kVerbs[] = {
+    {"formats", "formats                         list the codec library's drivers", zytool::runFormats},
+    {"info", "info FILE                       list the frames of a file", zytool::runInfo},
+    {"convert", "convert IN... OUT [--format NAME]  write every frame of the inputs to OUT",
+     zytool::runConvert},
+    {"export", "export IN DIR [--format NAME]   write each frame to its own file in DIR",
+     zytool::runExport},
+};
+
+void printUsage(FILE* to) {
+    fprintf(to, "usage: zytool VERB ...\n");
+    for (const Verb& verb : kVerbs) fprintf(to, "  zytool %s\n", verb.usage);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2 || strcmp(argv[1], "--help") == 0 || strcmp(argv[1], "-h") == 0) {
+        printUsage(argc < 2 ? stderr : stdout);
+        return argc < 2 ? 2 : 0;
+    }
+    for (const Verb& verb : kVerbs) {
+        if (strcmp(verb.name, argv[1]) != 0) continue;
+        try {
+            return verb.run(zytool::parseArgs(argc, argv, 2));
+        } catch (const zytool::ToolError& error) {
+            fprintf(stderr, "zytool: %s\n", error.what());
+        } catch (const std::exception& error) {
+            fprintf(stderr, "zytool: unexpected failure: %s\n", error.what());
+        }
+        return 1;
+    }
+    fprintf(stderr, "zytool: unknown verb '%s'\n", argv[1]);
+    printUsage(stderr);
+    return 2;
+}
