@@ -34,7 +34,9 @@ int outputDriver(const std::string& path, const std::string& format);
 std::string driverName(int driver);
 TavixAbout driverAbout(int driver);
 
-TavixReadResult readFileOrThrow(const std::string& path);
+// Throws unless every frame read; with `partial` the frames that did read
+// are returned and the failures printed.
+TavixReadResult readFileOrThrow(const std::string& path, bool partial = false);
 
 // The file name without folder and extension.
 std::string baseName(const std::string& path);

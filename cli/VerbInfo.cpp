@@ -41,12 +41,12 @@ void printFrame(int index, const TavixInfo& info) {
 int runInfo(const Args& args) {
     if (args.positional.size() != 1) throw ToolError("usage: zytool info FILE");
     bindCodecLibrary();
-    TavixReadResult file = readFileOrThrow(args.positional[0]);
+    TavixReadResult file = readFileOrThrow(args.positional[0], true);
     TavixAbout about = driverAbout(file.driver);
     printf("%s: %.32s (%.16s), %zu frame%s\n", args.positional[0].c_str(), about.description,
            about.shortname, file.frames.size(), file.frames.size() == 1 ? "" : "s");
     for (size_t i = 0; i < file.frames.size(); ++i) printFrame(static_cast<int>(i), *file.frames[i].info);
-    return 0;
+    return file.ok ? 0 : 1;
 }
 
 } // namespace zytool

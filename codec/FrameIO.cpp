@@ -96,7 +96,7 @@ TavixReadResult TavixReadFile(const std::string& path, const TavixProgress& prog
         TavixFrame frame;
         if (readOneFrame(session.reader, i, frame, result.error)) result.frames.push_back(std::move(frame));
     }
-    result.ok = !result.frames.empty() || result.error.empty();
+    result.ok = result.error.empty();
     return result;
 }
 

@@ -33,6 +33,8 @@ struct TavixFrame {
 // Bytes per row for a frame of this width and buffer depth, padded to 4.
 int32_t TavixRowPitch(int32_t width, int32_t bufferbpp);
 
+// `ok` only when every frame read; `frames` holds those that did, so a
+// caller that can live with a partial file (an information listing) may.
 struct TavixReadResult {
     bool ok = false;
     int driver = -1;
