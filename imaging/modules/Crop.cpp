@@ -1,0 +1,50 @@
+// Crop ("Crop"): cuts or extends the canvas to a new size.
+//
+// The descriptor is complete; the pixel work is not written yet, so open
+// refuses and no caller ever holds an instance of this module. To add it,
+// follow docs/modules.md: open with module_open_instance, then fill in
+// query and process.
+
+#include "imaging/module/authoring.h"
+#include "imaging/modules/modules.h"
+
+namespace mod_crop {
+
+namespace {
+
+// Types, ranges and defaults a generic parameter dialog offers.
+constexpr ModuleParamSpec kParams[] = {
+    {kParamInteger, 1, 65536, 256, "Width"},
+    {kParamInteger, 1, 65536, 256, "Height"},
+    {kParamColour, 0, 0xFFFFFFFF, 0, "Colour"},
+    {kParamChoice, 0, 3, 0, "ClampX", "Fill,Clamp,Wrap,Mirror"},
+    {kParamChoice, 0, 3, 0, "ClampY", "Fill,Clamp,Wrap,Mirror"},
+    {kParamInteger, 0, 1, 0, "Layered Flag"},
+};
+
+constexpr ModuleSpec kSpec = {
+    .magic = "CROP", .name = "Crop", .description = "Crop", .version = "1.04", .params = kParams};
+
+} // namespace
+
+ModuleDescriptor* describe() {
+    return module_build_descriptor(kSpec);
+}
+
+int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
+    return module_unavailable(kSpec, out);
+}
+
+TavixInfo* query(ModuleInstance*, int32_t) {
+    return nullptr;
+}
+
+int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
+    return 0;
+}
+
+int close(ModuleInstance* instance) {
+    return module_close_instance(instance);
+}
+
+} // namespace mod_crop

@@ -1,0 +1,50 @@
+// Deband ("Deband"): smooths colour banding in flat areas.
+//
+// The descriptor is complete; the pixel work is not written yet, so open
+// refuses and no caller ever holds an instance of this module. To add it,
+// follow docs/modules.md: open with module_open_instance, then fill in
+// query and process.
+
+#include "imaging/module/authoring.h"
+#include "imaging/modules/modules.h"
+
+namespace mod_deband {
+
+namespace {
+
+// Types, ranges and defaults a generic parameter dialog offers.
+constexpr ModuleParamSpec kParams[] = {
+    {kParamInteger, 0, 255, 4, "RGB distance"},   {kParamInteger, 1, 256, 1, "Image step"},
+    {kParamInteger, 1, 256, 8, "Block size"},     {kParamInteger, 1, 256, 4, "Block step"},
+    {kParamInteger, 0, 65536, 16, "Colour area"},
+};
+
+constexpr ModuleSpec kSpec = {.magic = "DBND",
+                              .name = "Deband",
+                              .description = "Deband",
+                              .version = "1.00",
+                              .params = kParams};
+
+} // namespace
+
+ModuleDescriptor* describe() {
+    return module_build_descriptor(kSpec);
+}
+
+int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
+    return module_unavailable(kSpec, out);
+}
+
+TavixInfo* query(ModuleInstance*, int32_t) {
+    return nullptr;
+}
+
+int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
+    return 0;
+}
+
+int close(ModuleInstance* instance) {
+    return module_close_instance(instance);
+}
+
+} // namespace mod_deband

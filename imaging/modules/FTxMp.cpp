@@ -1,0 +1,45 @@
+// FTxMp ("Facial Texture Map"): maps one image onto another as a face texture.
+//
+// The descriptor is complete; the pixel work is not written yet, so open
+// refuses and no caller ever holds an instance of this module. To add it,
+// follow docs/modules.md: open with module_open_instance, then fill in
+// query and process.
+
+#include "imaging/module/authoring.h"
+#include "imaging/modules/modules.h"
+
+namespace mod_ftxmp {
+
+namespace {
+
+constexpr ModuleSpec kSpec = {.magic = "TXMP",
+                              .name = "FTxMp",
+                              .description = "Facial Texture Map",
+                              .version = "1.00",
+                              .flags = 2,
+                              .images = 2,
+                              .secondCount = 2};
+
+} // namespace
+
+ModuleDescriptor* describe() {
+    return module_build_descriptor(kSpec);
+}
+
+int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
+    return module_unavailable(kSpec, out);
+}
+
+TavixInfo* query(ModuleInstance*, int32_t) {
+    return nullptr;
+}
+
+int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
+    return 0;
+}
+
+int close(ModuleInstance* instance) {
+    return module_close_instance(instance);
+}
+
+} // namespace mod_ftxmp

@@ -1,0 +1,53 @@
+// FYI ("FYI Adjust Luma/Chroma/Alpha"): scales and offsets the luma, chroma and alpha of every
+// pixel.
+//
+// The descriptor is complete; the pixel work is not written yet, so open
+// refuses and no caller ever holds an instance of this module. To add it,
+// follow docs/modules.md: open with module_open_instance, then fill in
+// query and process.
+
+#include "imaging/module/authoring.h"
+#include "imaging/modules/modules.h"
+
+namespace mod_fyi {
+
+namespace {
+
+// Types, ranges and defaults a generic parameter dialog offers.
+constexpr ModuleParamSpec kParams[] = {
+    {kParamReal, 0.0, 10.0, 1.0, "Luminance Scale"},
+    {kParamReal, -255.0, 255.0, 0.0, "Luminance Offset"},
+    {kParamReal, 0.0, 10.0, 1.0, "Chrominance Scale"},
+    {kParamReal, -255.0, 255.0, 0.0, "Chrominance Offset"},
+    {kParamReal, 0.0, 10.0, 1.0, "Alpha Scale"},
+};
+
+constexpr ModuleSpec kSpec = {.magic = "FYIQ",
+                              .name = "FYI",
+                              .description = "FYI Adjust Luma/Chroma/Alpha",
+                              .version = "1.00",
+                              .params = kParams};
+
+} // namespace
+
+ModuleDescriptor* describe() {
+    return module_build_descriptor(kSpec);
+}
+
+int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
+    return module_unavailable(kSpec, out);
+}
+
+TavixInfo* query(ModuleInstance*, int32_t) {
+    return nullptr;
+}
+
+int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
+    return 0;
+}
+
+int close(ModuleInstance* instance) {
+    return module_close_instance(instance);
+}
+
+} // namespace mod_fyi

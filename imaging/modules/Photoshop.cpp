@@ -1,0 +1,52 @@
+// Photoshop ("Photoshop Filters"): hands the image to an outside editor and takes back its result.
+//
+// The descriptor is complete; the pixel work is not written yet, so open
+// refuses and no caller ever holds an instance of this module. To add it,
+// follow docs/modules.md: open with module_open_instance, then fill in
+// query and process.
+
+#include "imaging/module/authoring.h"
+#include "imaging/modules/modules.h"
+
+namespace mod_photoshop {
+
+namespace {
+
+// The outside editor is reached through an automation interface that
+// this platform does not offer; until a substitute exists, open fails
+// with one line.
+//
+// Types, ranges and defaults a generic parameter dialog offers.
+constexpr ModuleParamSpec kParams[] = {
+    {kParamChoice, 0, 3, 3, "Colour Reduce", "8,16,24,32"},
+};
+
+constexpr ModuleSpec kSpec = {.magic = "SHOP",
+                              .name = "Photoshop",
+                              .description = "Photoshop Filters",
+                              .version = "1.00",
+                              .params = kParams};
+
+} // namespace
+
+ModuleDescriptor* describe() {
+    return module_build_descriptor(kSpec);
+}
+
+int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
+    return module_unavailable(kSpec, out);
+}
+
+TavixInfo* query(ModuleInstance*, int32_t) {
+    return nullptr;
+}
+
+int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
+    return 0;
+}
+
+int close(ModuleInstance* instance) {
+    return module_close_instance(instance);
+}
+
+} // namespace mod_photoshop

@@ -1,0 +1,52 @@
+// Scale ("Scale Image"): resizes to a given or relative size.
+//
+// The descriptor is complete; the pixel work is not written yet, so open
+// refuses and no caller ever holds an instance of this module. To add it,
+// follow docs/modules.md: open with module_open_instance, then fill in
+// query and process.
+
+#include "imaging/module/authoring.h"
+#include "imaging/modules/modules.h"
+
+namespace mod_scale {
+
+namespace {
+
+// With exactly five values and a non-zero fifth, the third and fourth are
+// a reference width and height, and Width and Height are relative to them.
+//
+// Types, ranges and defaults a generic parameter dialog offers.
+constexpr ModuleParamSpec kParams[] = {
+    {kParamInteger, 1, 65536, 256, "Width"},
+    {kParamInteger, 1, 65536, 256, "Height"},
+};
+
+constexpr ModuleSpec kSpec = {.magic = "SCAL",
+                              .name = "Scale",
+                              .description = "Scale Image",
+                              .version = "1.03",
+                              .params = kParams};
+
+} // namespace
+
+ModuleDescriptor* describe() {
+    return module_build_descriptor(kSpec);
+}
+
+int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
+    return module_unavailable(kSpec, out);
+}
+
+TavixInfo* query(ModuleInstance*, int32_t) {
+    return nullptr;
+}
+
+int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
+    return 0;
+}
+
+int close(ModuleInstance* instance) {
+    return module_close_instance(instance);
+}
+
+} // namespace mod_scale

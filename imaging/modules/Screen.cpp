@@ -1,0 +1,49 @@
+// Screen ("Screen Mask"): masks the image with a screen pattern.
+//
+// The descriptor is complete; the pixel work is not written yet, so open
+// refuses and no caller ever holds an instance of this module. To add it,
+// follow docs/modules.md: open with module_open_instance, then fill in
+// query and process.
+
+#include "imaging/module/authoring.h"
+#include "imaging/modules/modules.h"
+
+namespace mod_screen {
+
+namespace {
+
+// Types, ranges and defaults a generic parameter dialog offers.
+constexpr ModuleParamSpec kParams[] = {
+    {kParamColour, 0, 0xFFFFFFFF, 0, "screen colour"},
+    {kParamInteger, 0, 1, 0, "orientation"},
+};
+
+constexpr ModuleSpec kSpec = {.magic = "SCRN",
+                              .name = "Screen",
+                              .description = "Screen Mask",
+                              .version = "1.00",
+                              .params = kParams};
+
+} // namespace
+
+ModuleDescriptor* describe() {
+    return module_build_descriptor(kSpec);
+}
+
+int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
+    return module_unavailable(kSpec, out);
+}
+
+TavixInfo* query(ModuleInstance*, int32_t) {
+    return nullptr;
+}
+
+int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
+    return 0;
+}
+
+int close(ModuleInstance* instance) {
+    return module_close_instance(instance);
+}
+
+} // namespace mod_screen

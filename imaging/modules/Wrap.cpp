@@ -1,0 +1,51 @@
+// Wrap ("Wrap Image"): scrolls the image with wrap-around.
+//
+// The descriptor is complete; the pixel work is not written yet, so open
+// refuses and no caller ever holds an instance of this module. To add it,
+// follow docs/modules.md: open with module_open_instance, then fill in
+// query and process.
+
+#include "imaging/module/authoring.h"
+#include "imaging/modules/modules.h"
+
+namespace mod_wrap {
+
+namespace {
+
+// X and Y take the full signed 32-bit range: any offset wraps around.
+//
+// Types, ranges and defaults a generic parameter dialog offers.
+constexpr ModuleParamSpec kParams[] = {
+    {kParamInteger, kIntMin, kIntMax, 0, "X"},
+    {kParamInteger, kIntMin, kIntMax, 0, "Y"},
+};
+
+constexpr ModuleSpec kSpec = {.magic = "WRAP",
+                              .name = "Wrap",
+                              .description = "Wrap Image",
+                              .version = "1.01",
+                              .params = kParams};
+
+} // namespace
+
+ModuleDescriptor* describe() {
+    return module_build_descriptor(kSpec);
+}
+
+int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
+    return module_unavailable(kSpec, out);
+}
+
+TavixInfo* query(ModuleInstance*, int32_t) {
+    return nullptr;
+}
+
+int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
+    return 0;
+}
+
+int close(ModuleInstance* instance) {
+    return module_close_instance(instance);
+}
+
+} // namespace mod_wrap
