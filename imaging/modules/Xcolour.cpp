@@ -1,18 +1,16 @@
-// Xcolour ("Xcolour Image"): masked colour search and replace.
-//
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Xcolour ("Xcolour Image"): masked colour search and replace. It works on
+// the palette (through query output) and on 32-bit pixels (through
+// process), so an indexed image changes through its palette alone.
 
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
+
+#include <cstring>
 
 namespace mod_xcolour {
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamSpec kParams[] = {
     {kParamMask, 0, 0xFFFFFFFF, 0, "Search"},     {kParamMask, 0, 0xFFFFFFFF, 0, "Replace"},
     {kParamMask, 0, 0xFFFFFFFF, 0, "SearchMask"}, {kParamMask, 0, 0xFFFFFFFF, 0, "ReplaceMask"},
@@ -25,22 +23,70 @@ constexpr ModuleSpec kSpec = {.magic = "XCOL",
                               .version = "1.02",
                               .params = kParams};
 
+struct Rule {
+    uint32_t search;
+    uint32_t replace;
+    uint32_t searchMask;
+    uint32_t replaceMask;
+    uint32_t searchNot;
+};
+
+// A caller that passes no masks means whole colours, so the masks fall
+// back to all ones here although the descriptor offers 0.
+Rule readRule(const ModuleInstance* instance) {
+    return Rule{module_value_uint(instance, 0, 0), module_value_uint(instance, 1, 0),
+                module_value_uint(instance, 2, 0xFFFFFFFF),
+                module_value_uint(instance, 3, 0xFFFFFFFF), module_value_uint(instance, 4, 0)};
+}
+
+// Search is compared unmasked, so bits of Search outside SearchMask make
+// it match nothing. Any SearchNot other than 0 and 1 replaces every colour.
+uint32_t apply(const Rule& rule, uint32_t colour) {
+    uint32_t match = (colour & rule.searchMask) == rule.search ? 1 : 0;
+    if ((match ^ rule.searchNot) == 0) return colour;
+    return (colour & ~rule.replaceMask) | (rule.replace & rule.replaceMask);
+}
+
+void applyToPalette(const Rule& rule, TavixInfo* info) {
+    for (TavixColour& entry : info->colours) {
+        auto* at = reinterpret_cast<uint8_t*>(&entry);
+        module_store_argb(at, apply(rule, module_load_argb(at)));
+    }
+}
+
 } // namespace
 
 ModuleDescriptor* describe() {
     return module_build_descriptor(kSpec);
 }
 
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
+         const ModuleValue* values) {
+    return module_open_instance(kSpec, out, imageCount, images, valueCount, values);
 }
 
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
+TavixInfo* query(ModuleInstance* instance, int32_t) {
+    if (!module_instance_ok(instance)) return nullptr;
+    TavixInfo* info = module_copy_info(instance->images[0].info);
+    if (info) applyToPalette(readRule(instance), info);
+    return info;
 }
 
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
+int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    if (!module_check_same_shape(kSpec, instance, result, pixels, rowbytes)) return 0;
+    const ImageEntry& in = instance->images[0];
+    const Rule rule = readRule(instance);
+    const bool trueColour = module_pixel_bytes(result) == 4;
+    size_t length = static_cast<size_t>(module_row_length(in.info));
+    for (int32_t y = 0; y < in.info->height; ++y) {
+        const uint8_t* from = module_row(in, y);
+        uint8_t* to = module_row(pixels, rowbytes, y);
+        if (from != to) memcpy(to, from, length);
+        if (!trueColour) continue;
+        for (int32_t x = 0; x < in.info->width; ++x)
+            module_store_argb(to + 4 * x, apply(rule, module_load_argb(to + 4 * x)));
+    }
+    return 1;
 }
 
 int close(ModuleInstance* instance) {
