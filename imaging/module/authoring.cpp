@@ -23,13 +23,13 @@ ModuleValue encode(uint32_t type, double value) {
     return ModuleValue::ofUint(static_cast<uint32_t>(static_cast<int64_t>(value)));
 }
 
-void fillParam(ModuleParam& out, const ModuleParamSpec& spec) {
-    out.type = spec.type;
-    out.minimum = encode(spec.type, spec.minimum);
-    out.maximum = encode(spec.type, spec.maximum);
-    out.defaultValue = encode(spec.type, spec.defaultValue);
-    putText(out.name, spec.name);
-    putText(out.choices, spec.choices);
+void fillParam(ModuleParam& out, const ModuleParamDecl& decl) {
+    out.type = decl.type;
+    out.minimum = encode(decl.type, decl.minimum);
+    out.maximum = encode(decl.type, decl.maximum);
+    out.defaultValue = encode(decl.type, decl.defaultValue);
+    putText(out.name, decl.name);
+    putText(out.choices, decl.choices);
 }
 
 const ModuleValue* slot(const ModuleInstance* instance, int32_t index) {
@@ -38,9 +38,9 @@ const ModuleValue* slot(const ModuleInstance* instance, int32_t index) {
     return &instance->values[index];
 }
 
-const ModuleParamSpec* declared(const ModuleSpec& spec, int32_t index) {
-    if (index < 0 || static_cast<size_t>(index) >= spec.params.size()) return nullptr;
-    return &spec.params[static_cast<size_t>(index)];
+const ModuleParamDecl* declared(const ModuleDecl& decl, int32_t index) {
+    if (index < 0 || static_cast<size_t>(index) >= decl.params.size()) return nullptr;
+    return &decl.params[static_cast<size_t>(index)];
 }
 
 } // namespace
@@ -52,25 +52,25 @@ uint32_t module_magic(const char* code) {
     return magic;
 }
 
-ModuleDescriptor* module_build_descriptor(const ModuleSpec& spec) {
+ModuleDescriptor* module_build_descriptor(const ModuleDecl& decl) {
     auto* d = static_cast<ModuleDescriptor*>(galloc(sizeof(ModuleDescriptor)));
     if (!d) return nullptr;
     memset(d, 0, sizeof *d);
-    d->magic = module_magic(spec.magic);
+    d->magic = module_magic(decl.magic);
     d->size = kModuleDescriptorSize;
     d->interfaceVersion = kModuleInterfaceVersion;
-    d->flags = spec.flags;
+    d->flags = decl.flags;
     d->minImages = 1;
-    d->images = spec.images;
-    d->secondCount = spec.secondCount;
+    d->images = decl.images;
+    d->secondCount = decl.secondCount;
     putText(d->author, kModuleAuthor);
-    putText(d->version, spec.version);
-    putText(d->name, spec.name);
-    putText(d->description, spec.description);
-    size_t count = spec.params.size() < kModuleMaxParams ? spec.params.size() : kModuleMaxParams;
+    putText(d->version, decl.version);
+    putText(d->name, decl.name);
+    putText(d->description, decl.description);
+    size_t count = decl.params.size() < kModuleMaxParams ? decl.params.size() : kModuleMaxParams;
     d->paramCount = static_cast<uint32_t>(count);
     for (size_t i = 0; i < count; ++i)
-        fillParam(d->params[i], spec.params[i]);
+        fillParam(d->params[i], decl.params[i]);
     return d;
 }
 
@@ -89,18 +89,18 @@ double module_value_real(const ModuleInstance* instance, int32_t index, double f
     return v ? v->asReal() : fallback;
 }
 
-int32_t module_value_int(const ModuleInstance* instance, const ModuleSpec& spec, int32_t index) {
-    return static_cast<int32_t>(module_value_uint(instance, spec, index));
+int32_t module_value_int(const ModuleInstance* instance, const ModuleDecl& decl, int32_t index) {
+    return static_cast<int32_t>(module_value_uint(instance, decl, index));
 }
 
-uint32_t module_value_uint(const ModuleInstance* instance, const ModuleSpec& spec, int32_t index) {
-    const ModuleParamSpec* p = declared(spec, index);
+uint32_t module_value_uint(const ModuleInstance* instance, const ModuleDecl& decl, int32_t index) {
+    const ModuleParamDecl* p = declared(decl, index);
     uint32_t fallback = p ? encode(kParamInteger, p->defaultValue).asUint() : 0;
     return module_value_uint(instance, index, fallback);
 }
 
-double module_value_real(const ModuleInstance* instance, const ModuleSpec& spec, int32_t index) {
-    const ModuleParamSpec* p = declared(spec, index);
+double module_value_real(const ModuleInstance* instance, const ModuleDecl& decl, int32_t index) {
+    const ModuleParamDecl* p = declared(decl, index);
     return module_value_real(instance, index, p ? p->defaultValue : 0.0);
 }
 
@@ -130,7 +130,7 @@ TavixInfo* module_copy_info(const TavixInfo* info) {
     return copy;
 }
 
-int module_open_instance(const ModuleSpec& spec, ModuleInstance** out, int32_t imageCount,
+int module_open_instance(const ModuleDecl& decl, ModuleInstance** out, int32_t imageCount,
                          const ImageEntry* images, int32_t valueCount, const ModuleValue* values,
                          int32_t minImages, int32_t instanceSize) {
     if (!out) return 0;
@@ -139,7 +139,7 @@ int module_open_instance(const ModuleSpec& spec, ModuleInstance** out, int32_t i
     for (int32_t i = 0; imagesOk && i < imageCount; ++i)
         imagesOk = module_info_ok(images[i].info);
     if (!imagesOk) {
-        gprintf("%s - needs %d usable image(s), got %d\n", spec.name, minImages, imageCount);
+        gprintf("%s - needs %d usable image(s), got %d\n", decl.name, minImages, imageCount);
         return 0;
     }
     if (instanceSize < static_cast<int32_t>(sizeof(ModuleInstance)))
@@ -164,9 +164,9 @@ int module_close_instance(ModuleInstance* instance) {
     return gfree(instance);
 }
 
-int module_unavailable(const ModuleSpec& spec, ModuleInstance** out) {
+int module_unavailable(const ModuleDecl& decl, ModuleInstance** out) {
     if (out) *out = nullptr;
-    gprintf("%s - module not available yet\n", spec.name);
+    gprintf("%s - module not available yet\n", decl.name);
     return 0;
 }
 
@@ -175,7 +175,7 @@ bool module_instance_ok(const ModuleInstance* instance) {
            instance->images[0].info;
 }
 
-bool module_check_same_shape(const ModuleSpec& spec, const ModuleInstance* instance,
+bool module_check_same_shape(const ModuleDecl& decl, const ModuleInstance* instance,
                              const TavixInfo* result, const void* pixels, int32_t rowbytes) {
     const char* problem = nullptr;
     if (!module_instance_ok(instance)) {
@@ -193,6 +193,6 @@ bool module_check_same_shape(const ModuleSpec& spec, const ModuleInstance* insta
         else if (rowbytes < row)
             problem = "result rows too short";
     }
-    if (problem) gprintf("%s - %s\n", spec.name, problem);
+    if (problem) gprintf("%s - %s\n", decl.name, problem);
     return problem == nullptr;
 }

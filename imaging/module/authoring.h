@@ -11,7 +11,7 @@
 // One parameter as a module declares it. Integers (also colours and masks)
 // are given as doubles too: every 32-bit value, signed or unsigned, is exact
 // in a double, and both 0xFFFFFFFF and -1 land in the slot as 0xFFFFFFFF.
-struct ModuleParamSpec {
+struct ModuleParamDecl {
     uint32_t type; // kParamInteger, kParamReal, kParamChoice, kParamMask, kParamColour ...
     double minimum;
     double maximum;
@@ -21,7 +21,7 @@ struct ModuleParamSpec {
 };
 
 // Everything a descriptor holds, in one constant per module.
-struct ModuleSpec {
+struct ModuleDecl {
     const char* magic; // up to four characters; "" for none
     const char* name;
     const char* description;
@@ -29,7 +29,7 @@ struct ModuleSpec {
     uint32_t flags = 3;
     uint32_t images = 1;
     uint32_t secondCount = 0;
-    std::span<const ModuleParamSpec> params = {};
+    std::span<const ModuleParamDecl> params = {};
 };
 
 constexpr double kIntMin = -2147483648.0;
@@ -42,9 +42,9 @@ extern const char kModuleAuthor[];
 // the top byte ("FLIP" -> 0x464C4950, "HSL" -> 0x0048534C).
 uint32_t module_magic(const char* code);
 
-// A new zero-filled descriptor filled from `spec`, or null when memory is
+// A new zero-filled descriptor filled from `decl`, or null when memory is
 // short. At most kModuleMaxParams records are written.
-ModuleDescriptor* module_build_descriptor(const ModuleSpec& spec);
+ModuleDescriptor* module_build_descriptor(const ModuleDecl& decl);
 
 // ---- Parameter values ----------------------------------------------------
 
@@ -54,11 +54,11 @@ int32_t module_value_int(const ModuleInstance* instance, int32_t index, int32_t 
 uint32_t module_value_uint(const ModuleInstance* instance, int32_t index, uint32_t fallback);
 double module_value_real(const ModuleInstance* instance, int32_t index, double fallback);
 
-// The same, falling back to the default of parameter `index` of `spec`
+// The same, falling back to the default of parameter `index` of `decl`
 // (0 when the module declares no such parameter).
-int32_t module_value_int(const ModuleInstance* instance, const ModuleSpec& spec, int32_t index);
-uint32_t module_value_uint(const ModuleInstance* instance, const ModuleSpec& spec, int32_t index);
-double module_value_real(const ModuleInstance* instance, const ModuleSpec& spec, int32_t index);
+int32_t module_value_int(const ModuleInstance* instance, const ModuleDecl& decl, int32_t index);
+uint32_t module_value_uint(const ModuleInstance* instance, const ModuleDecl& decl, int32_t index);
+double module_value_real(const ModuleInstance* instance, const ModuleDecl& decl, int32_t index);
 
 // ---- Instances ----------------------------------------------------------
 
@@ -66,7 +66,7 @@ double module_value_real(const ModuleInstance* instance, const ModuleSpec& spec,
 // records are given, allocates an instance of `instanceSize` bytes (at
 // least sizeof(ModuleInstance), zero-filled), fills the six words and
 // stores it in *out. 1 on success; on failure *out is null and 0 returned.
-int module_open_instance(const ModuleSpec& spec, ModuleInstance** out, int32_t imageCount,
+int module_open_instance(const ModuleDecl& decl, ModuleInstance** out, int32_t imageCount,
                          const ImageEntry* images, int32_t valueCount, const ModuleValue* values,
                          int32_t minImages = 1,
                          int32_t instanceSize = static_cast<int32_t>(sizeof(ModuleInstance)));
@@ -76,7 +76,7 @@ int module_close_instance(ModuleInstance* instance);
 
 // Open of a module whose pixel work is not written yet: stores null, prints
 // one line and returns 0.
-int module_unavailable(const ModuleSpec& spec, ModuleInstance** out);
+int module_unavailable(const ModuleDecl& decl, ModuleInstance** out);
 
 // True when `instance` is an open instance with at least one image.
 bool module_instance_ok(const ModuleInstance* instance);
@@ -102,7 +102,7 @@ int32_t module_hotspot_count(const TavixInfo* info);
 // width, height and pixel size: an open instance, usable input pixels and
 // a result buffer whose rows hold a whole row. Prints one line naming the
 // module and returns false otherwise.
-bool module_check_same_shape(const ModuleSpec& spec, const ModuleInstance* instance,
+bool module_check_same_shape(const ModuleDecl& decl, const ModuleInstance* instance,
                              const TavixInfo* result, const void* pixels, int32_t rowbytes);
 
 inline const uint8_t* module_row(const ImageEntry& image, int32_t y) {

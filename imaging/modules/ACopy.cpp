@@ -13,11 +13,11 @@ namespace mod_acopy {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamChoice, 0, 1, 0, "method", "rgb,alpha"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "ACPY",
+constexpr ModuleDecl kDecl = {.magic = "ACPY",
                               .name = "ACopy",
                               .description = "Alpha Copy",
                               .version = "1.02",
@@ -26,11 +26,11 @@ constexpr ModuleSpec kSpec = {.magic = "ACPY",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -17,7 +17,7 @@ namespace {
 // Percentage" the second; the names stay as callers know them.
 //
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 10, 0, "Method",
      "Alpha,Paste,Sub,Add,Remove,psnr,prealpha,multiple,screen,overlay,tmask"},
     {kParamColour, 0, 0xFFFFFFFF, 0, "Colour"},
@@ -27,7 +27,7 @@ constexpr ModuleParamSpec kParams[] = {
     {kParamInteger, 0, 2, 0, "Palette Method", "Combine,Background,Foreground"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "BLND",
+constexpr ModuleDecl kDecl = {.magic = "BLND",
                               .name = "Blend",
                               .description = "Composite Blend",
                               .version = "1.23",
@@ -39,11 +39,11 @@ constexpr ModuleSpec kSpec = {.magic = "BLND",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,11 +13,11 @@ namespace mod_chroma {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 255, 16, "Tolerance"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "",
+constexpr ModuleDecl kDecl = {.magic = "",
                               .name = "Chroma",
                               .description = "Chroma Key",
                               .version = "1.00",
@@ -27,11 +27,11 @@ constexpr ModuleSpec kSpec = {.magic = "",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,13 +13,13 @@ namespace mod_colbal {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, -100, 100, 0, "Green"},
     {kParamInteger, -100, 100, 0, "Blue"},
     {kParamInteger, 0, 1, 1, "Preserve Luminance"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "HSL",
+constexpr ModuleDecl kDecl = {.magic = "HSL",
                               .name = "ColBal",
                               .description = "Color Balance",
                               .version = "1.00",
@@ -28,11 +28,11 @@ constexpr ModuleSpec kSpec = {.magic = "HSL",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,7 +13,7 @@ namespace mod_crop {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 1, 65536, 256, "Width"},
     {kParamInteger, 1, 65536, 256, "Height"},
     {kParamColour, 0, 0xFFFFFFFF, 0, "Colour"},
@@ -22,17 +22,17 @@ constexpr ModuleParamSpec kParams[] = {
     {kParamInteger, 0, 1, 0, "Layered Flag"},
 };
 
-constexpr ModuleSpec kSpec = {
+constexpr ModuleDecl kDecl = {
     .magic = "CROP", .name = "Crop", .description = "Crop", .version = "1.04", .params = kParams};
 
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,13 +13,13 @@ namespace mod_deband {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 255, 4, "RGB distance"},   {kParamInteger, 1, 256, 1, "Image step"},
     {kParamInteger, 1, 256, 8, "Block size"},     {kParamInteger, 1, 256, 4, "Block step"},
     {kParamInteger, 0, 65536, 16, "Colour area"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "DBND",
+constexpr ModuleDecl kDecl = {.magic = "DBND",
                               .name = "Deband",
                               .description = "Deband",
                               .version = "1.00",
@@ -28,11 +28,11 @@ constexpr ModuleSpec kSpec = {.magic = "DBND",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

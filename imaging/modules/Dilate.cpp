@@ -12,17 +12,17 @@ namespace mod_dilate {
 
 namespace {
 
-constexpr ModuleSpec kSpec = {
+constexpr ModuleDecl kDecl = {
     .magic = "DLAT", .name = "Dilate", .description = "Dilate (Maximize)", .version = "1.00"};
 
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

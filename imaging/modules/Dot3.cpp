@@ -13,12 +13,12 @@ namespace mod_dot3 {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamReal, 0.0, 100.0, 1.0, "height scale"},
     {kParamInteger, 0, 3, 0, "filter method"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "DOT3",
+constexpr ModuleDecl kDecl = {.magic = "DOT3",
                               .name = "Dot3",
                               .description = "Dot3 NormalMap",
                               .version = "1.06",
@@ -27,11 +27,11 @@ constexpr ModuleSpec kSpec = {.magic = "DOT3",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,14 +13,14 @@ namespace mod_doubled {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 8, 8, "abits"},
     {kParamInteger, 0, 8, 8, "rbits"},
     {kParamInteger, 0, 8, 8, "gbits"},
     {kParamInteger, 0, 8, 8, "bbits"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "DUBD",
+constexpr ModuleDecl kDecl = {.magic = "DUBD",
                               .name = "Doubled",
                               .description = "Doubled ARGB",
                               .version = "1.00",
@@ -29,11 +29,11 @@ constexpr ModuleSpec kSpec = {.magic = "DUBD",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

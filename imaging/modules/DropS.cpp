@@ -13,7 +13,7 @@ namespace mod_drops {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamReal, -10000.0, 10000.0, 0.0, "TexPlaneOffest"},
     {kParamReal, -10000.0, 10000.0, 0.0, "ShadowPlaneOffset"},
     {kParamReal, -10000.0, 10000.0, 0.0, "LightLocx"},
@@ -47,7 +47,7 @@ constexpr ModuleParamSpec kParams[] = {
     {kParamInteger, 1, 8, 1, "MulSuperSample"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "DROP",
+constexpr ModuleDecl kDecl = {.magic = "DROP",
                               .name = "DropS",
                               .description = "Drop Shadow",
                               .version = "1.05",
@@ -56,11 +56,11 @@ constexpr ModuleSpec kSpec = {.magic = "DROP",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,13 +13,13 @@ namespace mod_edge {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamColour, 0, 0xFFFFFFFF, 0, "Back Color"},
     {kParamInteger, 1, 64, 1, "Num Pixels"},
     {kParamChoice, 0, 2, 0, "Operation", "Spikes and Pits,Spikes,Pits"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "CLNE",
+constexpr ModuleDecl kDecl = {.magic = "CLNE",
                               .name = "Edge",
                               .description = "Clean Edges",
                               .version = "1.03",
@@ -28,11 +28,11 @@ constexpr ModuleSpec kSpec = {.magic = "CLNE",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,13 +13,13 @@ namespace mod_embm {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 3, 0, "embm type"},
     {kParamReal, 0.0, 100.0, 1.0, "height scale"},
     {kParamInteger, 0, 3, 0, "filter method"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "EMBM",
+constexpr ModuleDecl kDecl = {.magic = "EMBM",
                               .name = "Embm",
                               .description = "Embm NormalMap",
                               .version = "1.07",
@@ -28,11 +28,11 @@ constexpr ModuleSpec kSpec = {.magic = "EMBM",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,12 +13,12 @@ namespace mod_equalize {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 2, 256, 256, "Levels"},
     {kParamInteger, 0, 1, 0, "BlendAlpha"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "GREY",
+constexpr ModuleDecl kDecl = {.magic = "GREY",
                               .name = "Equalize",
                               .description = "Equalize Image",
                               .version = "1.04",
@@ -27,11 +27,11 @@ constexpr ModuleSpec kSpec = {.magic = "GREY",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -11,18 +11,18 @@ namespace mod_fnil {
 
 namespace {
 
-constexpr ModuleSpec kSpec = {
+constexpr ModuleDecl kDecl = {
     .magic = "FLIP", .name = "FNil", .description = "Nil", .version = "1.01"};
 
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
          const ModuleValue* values) {
-    return module_open_instance(kSpec, out, imageCount, images, valueCount, values);
+    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
 }
 
 TavixInfo* query(ModuleInstance* instance, int32_t) {
@@ -31,7 +31,7 @@ TavixInfo* query(ModuleInstance* instance, int32_t) {
 }
 
 int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
-    if (!module_check_same_shape(kSpec, instance, result, pixels, rowbytes)) return 0;
+    if (!module_check_same_shape(kDecl, instance, result, pixels, rowbytes)) return 0;
     const ImageEntry& in = instance->images[0];
     size_t length = static_cast<size_t>(module_row_length(in.info));
     for (int32_t y = 0; y < in.info->height; ++y) {

@@ -12,7 +12,7 @@ namespace mod_ftxmp {
 
 namespace {
 
-constexpr ModuleSpec kSpec = {.magic = "TXMP",
+constexpr ModuleDecl kDecl = {.magic = "TXMP",
                               .name = "FTxMp",
                               .description = "Facial Texture Map",
                               .version = "1.00",
@@ -23,11 +23,11 @@ constexpr ModuleSpec kSpec = {.magic = "TXMP",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -14,7 +14,7 @@ namespace mod_fyi {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamReal, 0.0, 10.0, 1.0, "Luminance Scale"},
     {kParamReal, -255.0, 255.0, 0.0, "Luminance Offset"},
     {kParamReal, 0.0, 10.0, 1.0, "Chrominance Scale"},
@@ -22,7 +22,7 @@ constexpr ModuleParamSpec kParams[] = {
     {kParamReal, 0.0, 10.0, 1.0, "Alpha Scale"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "FYIQ",
+constexpr ModuleDecl kDecl = {.magic = "FYIQ",
                               .name = "FYI",
                               .description = "FYI Adjust Luma/Chroma/Alpha",
                               .version = "1.00",
@@ -31,11 +31,11 @@ constexpr ModuleSpec kSpec = {.magic = "FYIQ",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

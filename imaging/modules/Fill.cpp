@@ -13,12 +13,12 @@ namespace mod_fill {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamColour, 0, 0xFFFFFFFF, 0, "Colour"},
     {kParamInteger, 0, 255, 0, "Tolerance"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "FILL",
+constexpr ModuleDecl kDecl = {.magic = "FILL",
                               .name = "Fill",
                               .description = "Fill Image",
                               .version = "1.04",
@@ -27,11 +27,11 @@ constexpr ModuleSpec kSpec = {.magic = "FILL",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

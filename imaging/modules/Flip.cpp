@@ -19,15 +19,15 @@ namespace {
 
 enum : int32_t { kNone = 0, kHorizontal = 1, kVertical = 2, kBoth = 3 };
 
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamChoice, 0, 3, kHorizontal, "Direction", "None,Horizontal,Vertical,Both"},
 };
 
-constexpr ModuleSpec kSpec = {
+constexpr ModuleDecl kDecl = {
     .magic = "FLIP", .name = "Flip", .description = "Flip", .version = "1.04", .params = kParams};
 
 int32_t direction(const ModuleInstance* instance) {
-    return module_value_int(instance, kSpec, 0) & kBoth;
+    return module_value_int(instance, kDecl, 0) & kBoth;
 }
 
 // Points mirror about the image edge (width - x), not about the last pixel
@@ -105,12 +105,12 @@ int mirrorBoth(const ImageEntry& in, uint8_t* pixels, int32_t rowbytes) {
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
          const ModuleValue* values) {
-    return module_open_instance(kSpec, out, imageCount, images, valueCount, values);
+    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
 }
 
 TavixInfo* query(ModuleInstance* instance, int32_t) {
@@ -128,7 +128,7 @@ TavixInfo* query(ModuleInstance* instance, int32_t) {
 // Direction None writes nothing: a caller asking for it fills the result
 // itself (run in place, the image simply stays as it is).
 int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
-    if (!module_check_same_shape(kSpec, instance, result, pixels, rowbytes)) return 0;
+    if (!module_check_same_shape(kDecl, instance, result, pixels, rowbytes)) return 0;
     const ImageEntry& in = instance->images[0];
     auto* out = static_cast<uint8_t*>(pixels);
     switch (direction(instance)) {

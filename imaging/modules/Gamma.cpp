@@ -13,14 +13,14 @@ namespace mod_gamma {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamReal, 0.01, 10.0, 1.0, "AlphaGamma"},
     {kParamReal, 0.01, 10.0, 1.0, "RedGamma"},
     {kParamReal, 0.01, 10.0, 1.0, "GreenGamma"},
     {kParamReal, 0.01, 10.0, 1.0, "BlueGamma"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "GAMA",
+constexpr ModuleDecl kDecl = {.magic = "GAMA",
                               .name = "Gamma",
                               .description = "Gamma Correct",
                               .version = "1.00",
@@ -29,11 +29,11 @@ constexpr ModuleSpec kSpec = {.magic = "GAMA",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

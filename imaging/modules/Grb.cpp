@@ -13,21 +13,21 @@ namespace mod_grb {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamChoice, 0, 3, 1, "Direction", "None,Horizontal,Vertical,Both"},
 };
 
-constexpr ModuleSpec kSpec = {
+constexpr ModuleDecl kDecl = {
     .magic = "GURB", .name = "Grb", .description = "Grb", .version = "1.00", .params = kParams};
 
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

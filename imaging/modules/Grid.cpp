@@ -13,13 +13,13 @@ namespace mod_grid {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 1, 65536, 8, "Width"},
     {kParamInteger, 1, 65536, 8, "Height"},
     {kParamColour, 0, 0xFFFFFFFF, 0xFF000000, "Colour"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "RECT",
+constexpr ModuleDecl kDecl = {.magic = "RECT",
                               .name = "Grid",
                               .description = "Draw Grid",
                               .version = "1.00",
@@ -28,11 +28,11 @@ constexpr ModuleSpec kSpec = {.magic = "RECT",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

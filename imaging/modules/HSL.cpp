@@ -13,13 +13,13 @@ namespace mod_hsl {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, -100, 100, 0, "Saturation"},
     {kParamInteger, -100, 100, 0, "Lightness"},
     {kParamMask, 0, 0xFFFFFFFF, 0xFFFFFFFF, "Mask"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "FHSV",
+constexpr ModuleDecl kDecl = {.magic = "FHSV",
                               .name = "HSL",
                               .description = "HSL Adjust",
                               .version = "1.03",
@@ -28,11 +28,11 @@ constexpr ModuleSpec kSpec = {.magic = "FHSV",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,13 +13,13 @@ namespace mod_hsv {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, -100, 100, 0, "Saturation"},
     {kParamInteger, -100, 100, 0, "Brightness"},
     {kParamInteger, -100, 100, 0, "Value"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "FHSV",
+constexpr ModuleDecl kDecl = {.magic = "FHSV",
                               .name = "HSV",
                               .description = "HSV Adjust",
                               .version = "1.02",
@@ -28,11 +28,11 @@ constexpr ModuleSpec kSpec = {.magic = "FHSV",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

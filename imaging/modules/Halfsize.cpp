@@ -15,14 +15,14 @@ namespace {
 // A direction that is not passed counts as 3 (both axes).
 //
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 3, 3, "direction"}, {kParamInteger, 0, 2, 0, "vscale"},
     {kParamInteger, 0, 2, 0, "hscale"},    {kParamInteger, 0, 2, 0, "vstep"},
     {kParamInteger, 0, 2, 0, "hstep"},     {kParamInteger, 0, 1, 0, "edge"},
     {kParamInteger, 0, 1, 0, "dot3"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "HALF",
+constexpr ModuleDecl kDecl = {.magic = "HALF",
                               .name = "Halfsize",
                               .description = "Halfsize Image",
                               .version = "1.08",
@@ -31,11 +31,11 @@ constexpr ModuleSpec kSpec = {.magic = "HALF",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

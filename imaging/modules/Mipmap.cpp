@@ -17,7 +17,7 @@ namespace {
 // not passed mean the source's own size.
 //
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 1, 5, 1, "Method"},
     {kParamInteger, 1, 200, 10, "Levels"},
     {kParamInteger, 1, 20, 1, "MinLevels"},
@@ -31,7 +31,7 @@ constexpr ModuleParamSpec kParams[] = {
 
 constexpr int32_t kMethodWhenMissing = 3;
 
-constexpr ModuleSpec kSpec = {.magic = "MIPM",
+constexpr ModuleDecl kDecl = {.magic = "MIPM",
                               .name = "Mipmap",
                               .description = "Mipmap",
                               .version = "1.00",
@@ -40,11 +40,11 @@ constexpr ModuleSpec kSpec = {.magic = "MIPM",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,11 +13,11 @@ namespace mod_psort {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, kIntMin, kIntMax, 0, "SortParms"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "PSRT",
+constexpr ModuleDecl kDecl = {.magic = "PSRT",
                               .name = "PSort",
                               .description = "Palette Sort",
                               .version = "1.00",
@@ -26,11 +26,11 @@ constexpr ModuleSpec kSpec = {.magic = "PSRT",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,12 +13,12 @@ namespace mod_palsort {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamChoice, 0, 5, 0, "Method", "Count,ARGB,HVS,WHVS,ICOUNT,YUV"},
     {kParamChoice, 0, 1, 0, "ForceBlack", "No,Yes"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "PSRT",
+constexpr ModuleDecl kDecl = {.magic = "PSRT",
                               .name = "PalSort",
                               .description = "Palette Sort",
                               .version = "1.08",
@@ -27,11 +27,11 @@ constexpr ModuleSpec kSpec = {.magic = "PSRT",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -17,11 +17,11 @@ namespace {
 // with one line.
 //
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamChoice, 0, 3, 3, "Colour Reduce", "8,16,24,32"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "SHOP",
+constexpr ModuleDecl kDecl = {.magic = "SHOP",
                               .name = "Photoshop",
                               .description = "Photoshop Filters",
                               .version = "1.00",
@@ -30,11 +30,11 @@ constexpr ModuleSpec kSpec = {.magic = "SHOP",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

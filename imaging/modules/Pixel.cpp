@@ -13,7 +13,7 @@ namespace mod_pixel {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, kIntMin, kIntMax, 0, "Expression Handle"},
     {kParamInteger, kIntMin, kIntMax, 0, "Alpha Expression"},
     {kParamInteger, kIntMin, kIntMax, 0, "Red Expression"},
@@ -24,7 +24,7 @@ constexpr ModuleParamSpec kParams[] = {
     {kParamInteger, kIntMin, kIntMax, 0, "Y Expression"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "PIXL",
+constexpr ModuleDecl kDecl = {.magic = "PIXL",
                               .name = "Pixel",
                               .description = "Pixel Expression",
                               .version = "1.12",
@@ -33,11 +33,11 @@ constexpr ModuleSpec kSpec = {.magic = "PIXL",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,7 +13,7 @@ namespace mod_radfill {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 360, 0, "Hue+"},
     {kParamInteger, 0, 360, 0, "Hue-"},
     {kParamInteger, 0, 255, 0, "Sat+"},
@@ -23,7 +23,7 @@ constexpr ModuleParamSpec kParams[] = {
     {kParamColour, 0, 0xFFFFFFFF, 0, "Fill Color"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "RFIL",
+constexpr ModuleDecl kDecl = {.magic = "RFIL",
                               .name = "RadFill",
                               .description = "Radius Fill",
                               .version = "1.02",
@@ -32,11 +32,11 @@ constexpr ModuleSpec kSpec = {.magic = "RFIL",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

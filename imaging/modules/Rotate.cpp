@@ -13,23 +13,23 @@ namespace mod_rotate {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamReal, -360.0, 360.0, 0.0, "Angle"},
     {kParamColour, 0, 0xFFFFFFFF, 0, "Colour"},
     {kParamInteger, 0, 1, 1, "Interpolate"},
 };
 
-constexpr ModuleSpec kSpec = {
+constexpr ModuleDecl kDecl = {
     .magic = "", .name = "Rotate", .description = "Rotate", .version = "1.04", .params = kParams};
 
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

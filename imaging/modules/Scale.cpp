@@ -16,12 +16,12 @@ namespace {
 // a reference width and height, and Width and Height are relative to them.
 //
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 1, 65536, 256, "Width"},
     {kParamInteger, 1, 65536, 256, "Height"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "SCAL",
+constexpr ModuleDecl kDecl = {.magic = "SCAL",
                               .name = "Scale",
                               .description = "Scale Image",
                               .version = "1.03",
@@ -30,11 +30,11 @@ constexpr ModuleSpec kSpec = {.magic = "SCAL",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,12 +13,12 @@ namespace mod_screen {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamColour, 0, 0xFFFFFFFF, 0, "screen colour"},
     {kParamInteger, 0, 1, 0, "orientation"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "SCRN",
+constexpr ModuleDecl kDecl = {.magic = "SCRN",
                               .name = "Screen",
                               .description = "Screen Mask",
                               .version = "1.00",
@@ -27,11 +27,11 @@ constexpr ModuleSpec kSpec = {.magic = "SCRN",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -15,7 +15,7 @@ namespace {
 
 // The nine value slots that callers who know the module pass, in order.
 // Process reads them by count: a slot not passed takes the default here.
-constexpr ModuleParamSpec kSlots[] = {
+constexpr ModuleParamDecl kSlots[] = {
     {kParamInteger, 1, 0, 0, "Width"},
     {kParamInteger, 1, 0, 0, "Height"},
     {kParamChoice, 0, 7, 0, "Filter Function",
@@ -32,10 +32,10 @@ constexpr ModuleParamSpec kSlots[] = {
 // the last three slots in turn, so only "Scale Ratio Y" shows there; a
 // generic dialog built from it offers seven parameters ending with that
 // one, and existing callers rely on this.
-constexpr ModuleParamSpec kRecords[] = {kSlots[0], kSlots[1], kSlots[2], kSlots[3],
+constexpr ModuleParamDecl kRecords[] = {kSlots[0], kSlots[1], kSlots[2], kSlots[3],
                                         kSlots[4], kSlots[5], kSlots[8]};
 
-constexpr ModuleSpec kSpec = {.magic = "",
+constexpr ModuleDecl kDecl = {.magic = "",
                               .name = "Size",
                               .description = "Image Size",
                               .version = "1.13",
@@ -45,11 +45,11 @@ constexpr ModuleSpec kSpec = {.magic = "",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

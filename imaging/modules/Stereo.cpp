@@ -13,12 +13,12 @@ namespace mod_stereo {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, -256, 256, 0, "focus"},
     {kParamInteger, 0, 256, 16, "range"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "STAR",
+constexpr ModuleDecl kDecl = {.magic = "STAR",
                               .name = "Stereo",
                               .description = "Stereo Image",
                               .version = "1.00",
@@ -27,11 +27,11 @@ constexpr ModuleSpec kSpec = {.magic = "STAR",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

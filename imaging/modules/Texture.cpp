@@ -13,12 +13,12 @@ namespace mod_texture {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 65536, 0, "NumVertices"},
     {kParamInteger, kIntMin, kIntMax, 0, "Vertices"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "FTEX",
+constexpr ModuleDecl kDecl = {.magic = "FTEX",
                               .name = "Texture",
                               .description = "Texture Map",
                               .version = "1.00",
@@ -27,11 +27,11 @@ constexpr ModuleSpec kSpec = {.magic = "FTEX",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,11 +13,11 @@ namespace mod_unembm {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 3, 0, "mode"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "EMBM",
+constexpr ModuleDecl kDecl = {.magic = "EMBM",
                               .name = "UnEmbm",
                               .description = "UnEmbm Image",
                               .version = "1.01",
@@ -26,11 +26,11 @@ constexpr ModuleSpec kSpec = {.magic = "EMBM",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,7 +13,7 @@ namespace mod_warp {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 2, 0, "Type:Def/Wave/ContLines"},
     {kParamInteger, kIntMin, kIntMax, 0, "Clamp X/VertWave/NA"},
     {kParamInteger, kIntMin, kIntMax, 0, "Clamp Y/HorzWave/NA"},
@@ -45,7 +45,7 @@ constexpr ModuleParamSpec kParams[] = {
     {kParamInteger, kIntMin, kIntMax, 0, "NA/NA/Y3.4"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "WARP",
+constexpr ModuleDecl kDecl = {.magic = "WARP",
                               .name = "Warp",
                               .description = "Warp Image along control lines",
                               .version = "1.01",
@@ -54,11 +54,11 @@ constexpr ModuleSpec kSpec = {.magic = "WARP",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -15,12 +15,12 @@ namespace {
 // X and Y take the full signed 32-bit range: any offset wraps around.
 //
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, kIntMin, kIntMax, 0, "X"},
     {kParamInteger, kIntMin, kIntMax, 0, "Y"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "WRAP",
+constexpr ModuleDecl kDecl = {.magic = "WRAP",
                               .name = "Wrap",
                               .description = "Wrap Image",
                               .version = "1.01",
@@ -29,11 +29,11 @@ constexpr ModuleSpec kSpec = {.magic = "WRAP",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

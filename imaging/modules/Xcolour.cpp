@@ -11,13 +11,13 @@ namespace mod_xcolour {
 
 namespace {
 
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamMask, 0, 0xFFFFFFFF, 0, "Search"},     {kParamMask, 0, 0xFFFFFFFF, 0, "Replace"},
     {kParamMask, 0, 0xFFFFFFFF, 0, "SearchMask"}, {kParamMask, 0, 0xFFFFFFFF, 0, "ReplaceMask"},
     {kParamInteger, 0, 1, 0, "SearchNot"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "XCOL",
+constexpr ModuleDecl kDecl = {.magic = "XCOL",
                               .name = "Xcolour",
                               .description = "Xcolour Image",
                               .version = "1.02",
@@ -57,12 +57,12 @@ void applyToPalette(const Rule& rule, TavixInfo* info) {
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
          const ModuleValue* values) {
-    return module_open_instance(kSpec, out, imageCount, images, valueCount, values);
+    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
 }
 
 TavixInfo* query(ModuleInstance* instance, int32_t) {
@@ -73,7 +73,7 @@ TavixInfo* query(ModuleInstance* instance, int32_t) {
 }
 
 int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
-    if (!module_check_same_shape(kSpec, instance, result, pixels, rowbytes)) return 0;
+    if (!module_check_same_shape(kDecl, instance, result, pixels, rowbytes)) return 0;
     const ImageEntry& in = instance->images[0];
     const Rule rule = readRule(instance);
     const bool trueColour = module_pixel_bytes(result) == 4;

@@ -13,7 +13,7 @@ namespace mod_zoom {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 1, 65536, 256, "Width"},
     {kParamInteger, 1, 65536, 256, "Height"},
     {kParamChoice, 0, 1, 0, "Edge Extend", "Solid,Boundary"},
@@ -21,7 +21,7 @@ constexpr ModuleParamSpec kParams[] = {
     {kParamReal, 0.5, 8.0, 2.0, "Kernel Width"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "ZOOM",
+constexpr ModuleDecl kDecl = {.magic = "ZOOM",
                               .name = "Zoom",
                               .description = "Bicubic Zoom",
                               .version = "1.06",
@@ -30,11 +30,11 @@ constexpr ModuleSpec kSpec = {.magic = "ZOOM",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

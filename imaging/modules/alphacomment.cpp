@@ -18,11 +18,11 @@ namespace {
 // holds, while the module itself takes 1 as extract.
 //
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamChoice, 0, 0, 0, "", "addextract"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "ACMT",
+constexpr ModuleDecl kDecl = {.magic = "ACMT",
                               .name = "alphacomment",
                               .description = "Imbed comment in alpha",
                               .version = "1.00",
@@ -31,11 +31,11 @@ constexpr ModuleSpec kSpec = {.magic = "ACMT",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,11 +13,11 @@ namespace mod_invert {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamMask, 0, 0xFFFFFFFF, 0x00FFFFFF, "mask"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "FINV",
+constexpr ModuleDecl kDecl = {.magic = "FINV",
                               .name = "invert",
                               .description = "Invert ARGB",
                               .version = "1.01",
@@ -26,11 +26,11 @@ constexpr ModuleSpec kSpec = {.magic = "FINV",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -13,7 +13,7 @@ namespace mod_mipmont {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 1, 0, "IsVbt"},
 };
 
@@ -21,7 +21,7 @@ constexpr ModuleParamSpec kParams[] = {
 constexpr char kNotPowerOfTwo[] =
     "ERROR: Base texture is not a power of 2 image will not be mipmont.\n";
 
-constexpr ModuleSpec kSpec = {.magic = "MONT",
+constexpr ModuleDecl kDecl = {.magic = "MONT",
                               .name = "mipmont",
                               .description = "Mipmont Image",
                               .version = "1.00",
@@ -30,11 +30,11 @@ constexpr ModuleSpec kSpec = {.magic = "MONT",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

@@ -5,15 +5,15 @@
 #include "imaging/module/module.h"
 
 // Declares the five entry points of one module.
-#define ZY_MODULE_ENTRY_POINTS(ns)                                                               \
-    namespace ns {                                                                               \
-    ModuleDescriptor* describe();                                                                \
-    int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images,                 \
-             int32_t valueCount, const ModuleValue* values);                                     \
-    TavixInfo* query(ModuleInstance* instance, int32_t index);                                   \
-    int process(ModuleInstance* instance, const TavixInfo* result, void* pixels,                 \
-                int32_t rowbytes);                                                               \
-    int close(ModuleInstance* instance);                                                         \
+#define ZY_MODULE_ENTRY_POINTS(ns)                                                                 \
+    namespace ns {                                                                                 \
+    ModuleDescriptor* describe();                                                                  \
+    int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images,                   \
+             int32_t valueCount, const ModuleValue* values);                                       \
+    TavixInfo* query(ModuleInstance* instance, int32_t index);                                     \
+    int process(ModuleInstance* instance, const TavixInfo* result, void* pixels,                   \
+                int32_t rowbytes);                                                                 \
+    int close(ModuleInstance* instance);                                                           \
     }
 
 ZY_MODULE_ENTRY_POINTS(mod_fnil)

@@ -13,11 +13,11 @@ namespace mod_safe {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamChoice, 0, 0, 0, "method", "grey"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "SAFE",
+constexpr ModuleDecl kDecl = {.magic = "SAFE",
                               .name = "safe",
                               .description = "Safe ARGB",
                               .version = "1.02",
@@ -26,11 +26,11 @@ constexpr ModuleSpec kSpec = {.magic = "SAFE",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

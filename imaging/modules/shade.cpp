@@ -13,12 +13,12 @@ namespace mod_shade {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamMask, 0, 0xFFFFFFFF, 0, "argbnew"},
     {kParamMask, 0, 0xFFFFFFFF, 0, "argbold"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "SHAD",
+constexpr ModuleDecl kDecl = {.magic = "SHAD",
                               .name = "shade",
                               .description = "Shade ARGB",
                               .version = "1.00",
@@ -27,11 +27,11 @@ constexpr ModuleSpec kSpec = {.magic = "SHAD",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {

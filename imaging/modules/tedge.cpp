@@ -13,11 +13,11 @@ namespace mod_tedge {
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
-constexpr ModuleParamSpec kParams[] = {
+constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 1, 0, "method"},
 };
 
-constexpr ModuleSpec kSpec = {.magic = "TEDG",
+constexpr ModuleDecl kDecl = {.magic = "TEDG",
                               .name = "tedge",
                               .description = "Transparent Edge Extrude",
                               .version = "1.01",
@@ -26,11 +26,11 @@ constexpr ModuleSpec kSpec = {.magic = "TEDG",
 } // namespace
 
 ModuleDescriptor* describe() {
-    return module_build_descriptor(kSpec);
+    return module_build_descriptor(kDecl);
 }
 
 int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kSpec, out);
+    return module_unavailable(kDecl, out);
 }
 
 TavixInfo* query(ModuleInstance*, int32_t) {
