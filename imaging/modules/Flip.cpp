@@ -30,26 +30,32 @@ int32_t direction(const ModuleInstance* instance) {
     return module_value_int(instance, kDecl, 0) & kBoth;
 }
 
+// edge - v for points read from files, which may hold any value: wraps
+// around instead of overflowing.
+int32_t mirror(int32_t edge, int32_t v) {
+    return static_cast<int32_t>(static_cast<uint32_t>(edge) - static_cast<uint32_t>(v));
+}
+
 // Points mirror about the image edge (width - x), not about the last pixel
 // (width - 1 - x): a point marks a place between pixels, so 0 becomes the
 // far edge.
 void mirrorPoints(TavixInfo* info, int32_t dir) {
     int32_t spots = module_hotspot_count(info);
     if (dir & kHorizontal) {
-        info->centerx = info->width - info->centerx;
+        info->centerx = mirror(info->width, info->centerx);
         for (int32_t i = 0; i < spots; ++i)
-            info->hotspots[i].x = info->width - info->hotspots[i].x;
+            info->hotspots[i].x = mirror(info->width, info->hotspots[i].x);
     }
     if (dir & kVertical) {
-        info->centery = info->height - info->centery;
+        info->centery = mirror(info->height, info->centery);
         for (int32_t i = 0; i < spots; ++i)
-            info->hotspots[i].y = info->height - info->hotspots[i].y;
+            info->hotspots[i].y = mirror(info->height, info->hotspots[i].y);
     }
 }
 
 void mirrorInFrame(TavixInfo* info, int32_t dir, int32_t frameWidth, int32_t frameHeight) {
-    if (dir & kHorizontal) info->defaultx = frameWidth - info->width - info->defaultx;
-    if (dir & kVertical) info->defaulty = frameHeight - info->height - info->defaulty;
+    if (dir & kHorizontal) info->defaultx = mirror(mirror(frameWidth, info->width), info->defaultx);
+    if (dir & kVertical) info->defaulty = mirror(mirror(frameHeight, info->height), info->defaulty);
 }
 
 // Reverses the order of `width` pixels of `size` bytes; `from` may be `to`.

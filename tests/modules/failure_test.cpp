@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdlib>
 #include <string>
 
@@ -172,6 +173,26 @@ TEST_F(ModuleTest, ProcessRefusesAResultThatDoesNotFit) {
                 ASSERT_EQ(b, 0x5A);
             EXPECT_EQ(module_close(instance), 1);
         }
+}
+
+// Records from files may hold any point and count; mirroring must neither
+// overflow nor read past the hot-spot table.
+TEST_F(ModuleTest, FlipToleratesExtremePointsAndCounts) {
+    TestImage source(10, 6, 32);
+    TavixInfo* in = source.info();
+    in->centerx = INT32_MIN;
+    in->centery = INT32_MAX;
+    in->numhotspots = 5000;
+    in->hotspots[1023] = {4, 1};
+    const ModuleValue values[] = {ModuleValue::ofInt(3), ModuleValue::ofInt(INT32_MIN),
+                                  ModuleValue::ofInt(INT32_MAX), ModuleValue::ofInt(1)};
+    ImageEntry entry = source.entry();
+    ModuleResult result{};
+    ASSERT_EQ(module_run_new(kFlip, 1, &entry, 4, values, 1, &result), 1);
+    EXPECT_EQ(result.info->centerx, INT32_MIN + 10);
+    EXPECT_EQ(result.info->hotspots[1023].x, 6);
+    EXPECT_EQ(result.info->hotspots[1023].y, 5);
+    module_result_free(&result);
 }
 
 } // namespace
