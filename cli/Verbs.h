@@ -9,5 +9,6 @@ int runFormats(const Args& args);
 int runInfo(const Args& args);
 int runConvert(const Args& args);
 int runExport(const Args& args);
+int runModules(const Args& args);
 
 } // namespace zytool

@@ -23,6 +23,8 @@ const Verb kVerbs[] = {
      zytool::runConvert},
     {"export", "export IN DIR [--format NAME]   write each frame to its own file in DIR",
      zytool::runExport},
+    {"modules", "modules                         list the image modules and their parameters",
+     zytool::runModules},
 };
 
 void printUsage(FILE* to) {
