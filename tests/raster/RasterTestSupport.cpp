@@ -168,8 +168,12 @@ bool runConvert(const std::string& arguments) {
     return status != -1 && WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
+// ImageMagick keeps a Targa's rows in file order and records the origin as
+// an orientation; -auto-orient turns that into the picture the file means.
+// Samples come out at 16 bits and are reduced here by rounding to nearest:
+// ImageMagick's own -depth 8 truncates, which no reader is obliged to copy.
 std::vector<uint32_t> magickPixels(const std::filesystem::path& path) {
-    std::string command = "convert '" + path.string() + "' -depth 8 rgba:- 2>/dev/null";
+    std::string command = "convert '" + path.string() + "' -auto-orient -depth 16 -endian LSB rgba:- 2>/dev/null";
     FILE* pipe = popen(command.c_str(), "r");
     if (!pipe) return {};
     std::vector<uint8_t> bytes;
@@ -177,9 +181,13 @@ std::vector<uint32_t> magickPixels(const std::filesystem::path& path) {
     size_t got;
     while ((got = fread(buffer, 1, sizeof buffer, pipe)) > 0) bytes.insert(bytes.end(), buffer, buffer + got);
     pclose(pipe);
+    auto sample = [&](size_t at) {
+        uint32_t v = bytes[at] | bytes[at + 1] << 8;
+        return (v * 255 + 32767) / 65535;
+    };
     std::vector<uint32_t> argb;
-    for (size_t i = 0; i + 3 < bytes.size(); i += 4)
-        argb.push_back(static_cast<uint32_t>(bytes[i + 3]) << 24 | bytes[i] << 16 | bytes[i + 1] << 8 | bytes[i + 2]);
+    for (size_t i = 0; i + 7 < bytes.size(); i += 8)
+        argb.push_back(sample(i + 6) << 24 | sample(i) << 16 | sample(i + 2) << 8 | sample(i + 4));
     return argb;
 }
 

@@ -84,7 +84,7 @@ int driverIndex(const char* shortname);
 std::optional<std::string> convertTool();
 // Runs convert with the arguments (already quoted for the shell); true on success.
 bool runConvert(const std::string& arguments);
-// ImageMagick's reading of the file as 8-bit RGBA, turned into ARGB words.
+// ImageMagick's reading of the file, oriented as the file says, as ARGB words.
 std::vector<uint32_t> magickPixels(const std::filesystem::path& path);
 
 // Collects every line the library prints while it lives.
