@@ -1,0 +1,103 @@
+#include "app/doc/CommandHandler.h"
+
+#include "app/doc/CmdUI.h"
+#include "app/doc/Command.h"
+#include "app/doc/CommandIds.h"
+#include "app/doc/ExceptionDlg.h"
+#include "app/doc/TavixDoc.h"
+
+CCommandHandler::CCommandHandler() = default;
+CCommandHandler::~CCommandHandler() = default;
+
+template <typename Fn> void CCommandHandler::Guarded(const char* label, Fn&& fn) {
+    try {
+        fn();
+    } catch (...) {
+        ReportProgramError(CrashLine(label, m_LastName), CommandExceptionTexts(m_LastName));
+    }
+}
+
+void CCommandHandler::Submit(CCommand* cmd) {
+    std::unique_ptr<CCommand> owned(cmd);
+    ++m_nSubmitted;
+    m_LastName = owned->GetName();
+    // The previous command's undo data is gone from here on, whatever
+    // happens next.
+    m_pCurrent.reset();
+    owned->Do();
+    if (owned->MarksModified() && m_pDoc) m_pDoc->SetModifiedFlag(true);
+    m_pCurrent = std::move(owned);
+    m_bUndone = false;
+}
+
+bool CCommandHandler::HasUndoableCommand() const {
+    return m_pCurrent && m_pCurrent->CanUndo();
+}
+
+bool CCommandHandler::OnCmdMsg(unsigned nID) {
+    if (nID == ID_EDIT_UNDO) {
+        OnUndo();
+        return true;
+    }
+    if (nID >= kFirstDocCommandId && nID <= kLastDocCommandId) {
+        OnCommandRange(nID);
+        return true;
+    }
+    return false;
+}
+
+bool CCommandHandler::OnUpdateCmdUI(CCmdUI* ui) {
+    if (ui->m_nID == ID_EDIT_UNDO) {
+        OnUpdateUndo(ui);
+        return true;
+    }
+    if (ui->m_nID >= kFirstDocCommandId && ui->m_nID <= kLastDocCommandId) {
+        OnUpdateCommandRange(ui);
+        return true;
+    }
+    return false;
+}
+
+void CCommandHandler::OnUndo() {
+    if (!m_pCurrent) return;
+    Guarded("OnUndo", [this] {
+        if (!m_bUndone)
+            m_pCurrent->Undo();
+        else
+            m_pCurrent->Redo();
+    });
+    m_bUndone = !m_bUndone;
+}
+
+void CCommandHandler::OnUpdateUndo(CCmdUI* ui) {
+    ui->Enable(HasUndoableCommand());
+    std::string text;
+    if (!HasUndoableCommand())
+        text = "Can't Undo";
+    else
+        text = m_bUndone ? "Redo" : "Undo";
+    if (m_pCurrent) {
+        text += ' ';
+        text += m_pCurrent->GetName();
+    }
+    text += "\tCtrl+Z";
+    ui->SetText(text);
+}
+
+void CCommandHandler::OnUpdateCommandRange(CCmdUI* ui) {
+    if (CCommandInfo* info = CCommandInfoHandler::Find(ui->m_nID))
+        info->OnUpdate(m_pDoc, ui);
+    else
+        ui->Enable(false);
+}
+
+void CCommandHandler::OnCommandRange(unsigned nID) {
+    Guarded("OnCommand", [this, nID] {
+        if (CCommandInfo* info = CCommandInfoHandler::Find(nID)) info->Create(m_pDoc, nID);
+    });
+}
+
+void CCommandHandler::DeleteCurrent() {
+    m_pCurrent.reset();
+    m_bUndone = false;
+}
