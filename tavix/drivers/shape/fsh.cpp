@@ -1,16 +1,16 @@
-// Placeholder until the driver lands: describes itself, reads and writes nothing.
-#include "tavix/core/Driver.h"
-#include "tavix/core/Errors.h"
+// The "newfsh" driver: the shared shape reader and writer with the
+// FSH variant's table.
+
+#include "tavix/drivers/shape/Shape.h"
 
 namespace tavix {
 namespace {
-void about(TavixAbout& about) { fillAbout(about, 0x46534800, "newfsh", 0, {".fsh"}, "FSH - PC Shape File"); }
-DetectScore detect(std::span<const uint8_t>, const char*) { return kNotMine; }
-HostPtr<FrameReader> open(Bytes&&) { fail("the newfsh driver is not available yet"); }
-HostPtr<FrameWriter> create(int) {
-    report("tavix: the newfsh driver cannot write yet\n");
-    return nullptr;
+void about(TavixAbout& about) { shape::aboutShape(shape::kFshVariant, about); }
+DetectScore detect(std::span<const uint8_t> head, const char* path) {
+    return shape::detectShape(shape::kFshVariant, head, path);
 }
+HostPtr<FrameReader> open(Bytes&& file) { return shape::openShape(shape::kFshVariant, std::move(file)); }
+HostPtr<FrameWriter> create(int) { return shape::createShape(shape::kFshVariant); }
 } // namespace
 extern const Driver kFshDriver = {"newfsh", about, detect, open, create};
 } // namespace tavix

@@ -1,16 +1,16 @@
-// Placeholder until the driver lands: describes itself, reads and writes nothing.
-#include "tavix/core/Driver.h"
-#include "tavix/core/Errors.h"
+// The "newgsh" driver: the shared shape reader and writer with the
+// GSH variant's table.
+
+#include "tavix/drivers/shape/Shape.h"
 
 namespace tavix {
 namespace {
-void about(TavixAbout& about) { fillAbout(about, 0x47534800, "newgsh", 0, {".gsh"}, "GSH - GameCube Shape File"); }
-DetectScore detect(std::span<const uint8_t>, const char*) { return kNotMine; }
-HostPtr<FrameReader> open(Bytes&&) { fail("the newgsh driver is not available yet"); }
-HostPtr<FrameWriter> create(int) {
-    report("tavix: the newgsh driver cannot write yet\n");
-    return nullptr;
+void about(TavixAbout& about) { shape::aboutShape(shape::kGshVariant, about); }
+DetectScore detect(std::span<const uint8_t> head, const char* path) {
+    return shape::detectShape(shape::kGshVariant, head, path);
 }
+HostPtr<FrameReader> open(Bytes&& file) { return shape::openShape(shape::kGshVariant, std::move(file)); }
+HostPtr<FrameWriter> create(int) { return shape::createShape(shape::kGshVariant); }
 } // namespace
 extern const Driver kGshDriver = {"newgsh", about, detect, open, create};
 } // namespace tavix

@@ -1,16 +1,16 @@
-// Placeholder until the driver lands: describes itself, reads and writes nothing.
-#include "tavix/core/Driver.h"
-#include "tavix/core/Errors.h"
+// The "newssh" driver: the shared shape reader and writer with the
+// SSH variant's table.
+
+#include "tavix/drivers/shape/Shape.h"
 
 namespace tavix {
 namespace {
-void about(TavixAbout& about) { fillAbout(about, 0x53534800, "newssh", 0, {".ssh"}, "SSH - PS2 Shape File"); }
-DetectScore detect(std::span<const uint8_t>, const char*) { return kNotMine; }
-HostPtr<FrameReader> open(Bytes&&) { fail("the newssh driver is not available yet"); }
-HostPtr<FrameWriter> create(int) {
-    report("tavix: the newssh driver cannot write yet\n");
-    return nullptr;
+void about(TavixAbout& about) { shape::aboutShape(shape::kSshVariant, about); }
+DetectScore detect(std::span<const uint8_t> head, const char* path) {
+    return shape::detectShape(shape::kSshVariant, head, path);
 }
+HostPtr<FrameReader> open(Bytes&& file) { return shape::openShape(shape::kSshVariant, std::move(file)); }
+HostPtr<FrameWriter> create(int) { return shape::createShape(shape::kSshVariant); }
 } // namespace
 extern const Driver kSshDriver = {"newssh", about, detect, open, create};
 } // namespace tavix

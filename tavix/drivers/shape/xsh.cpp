@@ -1,16 +1,16 @@
-// Placeholder until the driver lands: describes itself, reads and writes nothing.
-#include "tavix/core/Driver.h"
-#include "tavix/core/Errors.h"
+// The "newxsh" driver: the shared shape reader and writer with the
+// XSH variant's table.
+
+#include "tavix/drivers/shape/Shape.h"
 
 namespace tavix {
 namespace {
-void about(TavixAbout& about) { fillAbout(about, 0x58534800, "newxsh", 0, {".xsh"}, "XSH - XBOX Shape File"); }
-DetectScore detect(std::span<const uint8_t>, const char*) { return kNotMine; }
-HostPtr<FrameReader> open(Bytes&&) { fail("the newxsh driver is not available yet"); }
-HostPtr<FrameWriter> create(int) {
-    report("tavix: the newxsh driver cannot write yet\n");
-    return nullptr;
+void about(TavixAbout& about) { shape::aboutShape(shape::kXshVariant, about); }
+DetectScore detect(std::span<const uint8_t> head, const char* path) {
+    return shape::detectShape(shape::kXshVariant, head, path);
 }
+HostPtr<FrameReader> open(Bytes&& file) { return shape::openShape(shape::kXshVariant, std::move(file)); }
+HostPtr<FrameWriter> create(int) { return shape::createShape(shape::kXshVariant); }
 } // namespace
 extern const Driver kXshDriver = {"newxsh", about, detect, open, create};
 } // namespace tavix
