@@ -27,11 +27,6 @@ struct Term {
     uint64_t step = 1;
 };
 
-struct Expression {
-    bool all = false; // the whole (unwrapped) text is empty
-    std::vector<Term> terms;
-};
-
 bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
@@ -121,36 +116,49 @@ Term ParseTerm(std::string_view text, bool exclusion) {
     return term;
 }
 
-Expression Parse(std::string_view text) {
-    Expression expression;
-    text = Unwrap(text);
-    if (text.empty()) {
-        expression.all = true;
-        return expression;
+// Reads the terms of an expression one at a time. Nothing is stored, so a
+// long run of terms costs no allocation. An empty expression reads as one
+// empty term, which selects everything, as the empty expression must.
+class Terms {
+  public:
+    explicit Terms(std::string_view text) : m_Text(Unwrap(text)) {}
+    bool Next(Term& term);
+    void Rewind() {
+        m_Start = 0;
+        m_Exclusion = false;
+        m_Done = false;
     }
-    bool exclusion = false;
-    size_t start = 0;
-    while (true) {
-        size_t comma = text.find(',', start);
-        size_t end = comma == std::string_view::npos ? text.size() : comma;
-        std::string_view term = text.substr(start, end - start);
-        if (term.size() > 1 && term[0] == '!') {
-            exclusion = true;
-            term.remove_prefix(1);
-        }
-        expression.terms.push_back(ParseTerm(term, exclusion));
-        if (comma == std::string_view::npos) break;
-        start = comma + 1;
+
+  private:
+    std::string_view m_Text;
+    size_t m_Start = 0;
+    bool m_Exclusion = false; // sticky once a term starts with '!'
+    bool m_Done = false;
+};
+
+bool Terms::Next(Term& term) {
+    if (m_Done) return false;
+    size_t comma = m_Text.find(',', m_Start);
+    size_t end = comma == std::string_view::npos ? m_Text.size() : comma;
+    std::string_view text = m_Text.substr(m_Start, end - m_Start);
+    if (text.size() > 1 && text[0] == '!') {
+        m_Exclusion = true;
+        text.remove_prefix(1);
     }
-    return expression;
+    term = ParseTerm(text, m_Exclusion);
+    m_Done = comma == std::string_view::npos;
+    m_Start = comma + 1;
+    return true;
 }
 
 bool OutOfRange(const Field& field, int64_t low, int64_t high) {
     return field.kind == FieldKind::Number && (field.number < low || field.number > high);
 }
 
-bool AnyOutOfRange(const Expression& expression, int64_t low, int64_t high) {
-    for (const Term& term : expression.terms)
+bool AnyOutOfRange(Terms& terms, int64_t low, int64_t high) {
+    terms.Rewind();
+    Term term;
+    while (terms.Next(term))
         if (!term.all && (OutOfRange(term.from, low, high) || OutOfRange(term.to, low, high)))
             return true;
     return false;
@@ -295,11 +303,12 @@ bool Hits(const Term& term, std::string_view name, int64_t index) {
     return distance % term.step == 0;
 }
 
-bool MatchParsed(const Expression& expression, std::string_view name, int64_t index) {
-    if (expression.all) return true;
-    if (AnyOutOfRange(expression, kMatchLow, kMatchHigh)) return false;
+// The expression's verdict for one image, bounds already checked.
+bool MatchTerms(Terms& terms, std::string_view name, int64_t index) {
+    terms.Rewind();
     bool result = false, excluding = false, excluded = false;
-    for (const Term& term : expression.terms) {
+    Term term;
+    while (terms.Next(term)) {
         if (term.all) {
             result = true;
             continue;
@@ -356,16 +365,14 @@ class ValueSet {
 };
 
 ValueSet::ValueSet(std::string_view text, int64_t low, int64_t high) : m_Low(low), m_High(high) {
-    Expression expression = Parse(text);
-    if (low > high || (!expression.all && AnyOutOfRange(expression, low, high))) {
+    Terms terms(text);
+    if (low > high || AnyOutOfRange(terms, low, high)) {
         m_Fill = Fill::None;
         return;
     }
-    if (expression.all) {
-        m_Fill = Fill::All;
-        return;
-    }
-    for (const Term& term : expression.terms) {
+    terms.Rewind();
+    Term term;
+    while (terms.Next(term)) {
         if (term.all) {
             m_Fill = Fill::All;
             return;
@@ -506,12 +513,13 @@ int CompareNames(std::string_view pattern, std::string_view name) {
 }
 
 bool Match(std::string_view expression, std::string_view name, int32_t index) {
-    return MatchParsed(Parse(expression), name, index);
+    Terms terms(expression);
+    return !AnyOutOfRange(terms, kMatchLow, kMatchHigh) && MatchTerms(terms, name, index);
 }
 
 bool Validate(std::string_view expression, int32_t low, int32_t high) {
-    Expression parsed = Parse(expression);
-    return parsed.all || !AnyOutOfRange(parsed, low, high);
+    Terms terms(expression);
+    return !AnyOutOfRange(terms, low, high);
 }
 
 std::optional<int32_t> Lowest(std::string_view expression, int32_t low, int32_t high) {
@@ -534,11 +542,12 @@ std::optional<int32_t> Next(std::string_view expression, int32_t low, int32_t hi
 std::optional<std::vector<int32_t>> SelectIndices(std::string_view expression,
                                                   const std::vector<std::string>& names) {
     int64_t count = std::min<int64_t>(static_cast<int64_t>(names.size()), INT32_MAX);
-    Expression parsed = Parse(expression);
-    if (!parsed.all && AnyOutOfRange(parsed, 0, count - 1)) return std::nullopt;
+    Terms terms(expression);
+    // Bounds within 0..count-1 are within the bounds matching checks too.
+    if (AnyOutOfRange(terms, 0, count - 1)) return std::nullopt;
     std::vector<int32_t> selected;
     for (int64_t i = 0; i < count; ++i)
-        if (MatchParsed(parsed, names[static_cast<size_t>(i)], i))
+        if (MatchTerms(terms, names[static_cast<size_t>(i)], i))
             selected.push_back(static_cast<int32_t>(i));
     return selected;
 }
