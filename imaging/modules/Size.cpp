@@ -1,13 +1,20 @@
 // Size ("Image Size"): the filtered resampler with eight kernels, an
 // alpha-aware mode and a key colour for transparent pixels.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values, by how many are passed: Width, Height, Filter Function, Respect
+// Alpha, Chromakey Colour, X Sharpness, Y Sharpness, Scale Ratio X, Scale
+// Ratio Y. The sharpness values are accepted and have no effect on the
+// pixels. The ratios, when all nine slots are passed, replace the size
+// ratio for the record's points only.
+//
+// Size reads and writes 32-bit pixels; callers convert indexed images
+// first. The pixel work is resample_argb() (resample/resampler.h).
 
+#include "imaging/galloc.h"
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
+#include "imaging/modules/resample/geometry.h"
+#include "imaging/modules/resample/resampler.h"
 
 namespace mod_size {
 
@@ -42,22 +49,83 @@ constexpr ModuleDecl kDecl = {.magic = "",
                               .flags = 2,
                               .params = kRecords};
 
+enum Slot : int32_t {
+    kWidth = 0,
+    kHeight,
+    kFilter,
+    kRespectAlpha,
+    kChromakey,
+    kXSharpness,
+    kYSharpness,
+    kRatioX,
+    kRatioY,
+    kSlotCount
+};
+
+int32_t atLeastOne(int32_t v) {
+    return v < 1 ? 1 : v;
+}
+
+bool isArgb(const TavixInfo* info) {
+    return info && info->bufferbpp > 8;
+}
+
 } // namespace
 
 ModuleDescriptor* describe() {
     return module_build_descriptor(kDecl);
 }
 
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
+int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
+         const ModuleValue* values) {
+    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
 }
 
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
+// Hot spots are truncated toward zero, the centre and default points
+// rounded half up: that is how the points were always moved, and shape
+// files made with them depend on it.
+TavixInfo* query(ModuleInstance* instance, int32_t) {
+    if (!module_instance_ok(instance)) return nullptr;
+    const TavixInfo* in = instance->images[0].info;
+    TavixInfo* info = module_copy_info(in);
+    if (!info) return nullptr;
+    info->width = atLeastOne(module_value_int(instance, kWidth, 0));
+    info->height = atLeastOne(module_value_int(instance, kHeight, 0));
+    resample::Ratio x{static_cast<double>(info->width), static_cast<double>(in->width)};
+    resample::Ratio y{static_cast<double>(info->height), static_cast<double>(in->height)};
+    if (instance->valueCount >= kSlotCount) {
+        x = resample::Ratio{module_value_real(instance, kRatioX, kSlots[kRatioX].defaultValue)};
+        y = resample::Ratio{module_value_real(instance, kRatioY, kSlots[kRatioY].defaultValue)};
+    }
+    resample::scale_points(info, x, y, true);
+    return info;
 }
 
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
+int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    if (!module_instance_ok(instance)) return 0;
+    const ImageEntry& in = instance->images[0];
+    if (!isArgb(in.info) || !isArgb(result) || !module_info_ok(result) || !pixels ||
+        !in.pixels || in.rowbytes < module_row_length(in.info) ||
+        rowbytes < module_row_length(result)) {
+        gprintf("Size - needs 32-bit source and result pixels\n");
+        return 0;
+    }
+    resample::ArgbView source{static_cast<const uint8_t*>(in.pixels), in.info->width,
+                              in.info->height, in.rowbytes};
+    resample::ArgbTarget target{static_cast<uint8_t*>(pixels), result->width, result->height,
+                                rowbytes};
+    resample::Options options;
+    options.filter = module_value_int(instance, kFilter, 0);
+    options.respectAlpha = module_value_int(instance, kRespectAlpha, 0) != 0;
+    options.key = resample::resolve_key(source, options.respectAlpha,
+                                        module_value_uint(instance, kChromakey, 0));
+    options.resultHasAlpha = result->alphabits != 0;
+    if (!resample::resample_argb(source, target, options)) {
+        gprintf("Size - no memory to resample %d x %d to %d x %d\n", source.width, source.height,
+                target.width, target.height);
+        return 0;
+    }
+    return 1;
 }
 
 int close(ModuleInstance* instance) {

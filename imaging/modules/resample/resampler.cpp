@@ -1,0 +1,319 @@
+#include "imaging/modules/resample/resampler.h"
+
+#include "imaging/galloc.h"
+#include "imaging/modules/resample/contributions.h"
+
+#include <climits>
+#include <cstddef>
+#include <cmath>
+#include <cstring>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace resample {
+
+namespace {
+
+// Four floats, one pixel: lanes blue, green, red, alpha (the byte order of
+// an 0xAARRGGBB word in memory). Element-wise arithmetic on this type is
+// plain IEEE single precision, lane by lane, exactly as scalar code does it.
+typedef float v4f __attribute__((vector_size(16)));
+
+inline v4f splat(float w) {
+    return v4f{w, w, w, w};
+}
+
+inline uint32_t load32(const uint8_t* at) {
+    uint32_t v;
+    memcpy(&v, at, sizeof v);
+    return v;
+}
+
+inline void store32(uint8_t* at, uint32_t v) {
+    memcpy(at, &v, sizeof v);
+}
+
+// Which pixels Respect Alpha skips: with key 0 every pixel of alpha 0,
+// otherwise only the pixels equal to the key in all 32 bits.
+struct Transparency {
+    uint32_t key;
+    bool test(uint32_t p) const { return key == 0 ? (p >> 24) == 0 : p == key; }
+};
+
+// The channels of one pixel as floats; exact, every byte is a float.
+inline v4f toFloat(uint32_t p) {
+#ifdef __SSE2__
+    __m128i zero = _mm_setzero_si128();
+    __m128i v = _mm_cvtsi32_si128(static_cast<int>(p));
+    v = _mm_unpacklo_epi16(_mm_unpacklo_epi8(v, zero), zero);
+    return reinterpret_cast<v4f>(_mm_cvtepi32_ps(v));
+#else
+    return v4f{static_cast<float>(p & 0xFF), static_cast<float>((p >> 8) & 0xFF),
+               static_cast<float>((p >> 16) & 0xFF), static_cast<float>(p >> 24)};
+#endif
+}
+
+// Four consecutive pixels. With Respect, transparent pixels come out as
+// zero and `opaque` holds 1 or 0 per pixel: adding w x 0 changes no sum and
+// w x 1 is w, so this is the same as skipping the pixel.
+template <bool Respect>
+inline void toFloat4(const uint8_t* at, const Transparency& tr, v4f px[4], v4f* opaque) {
+#ifdef __SSE2__
+    __m128i zero = _mm_setzero_si128();
+    __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+    if constexpr (Respect) {
+        __m128i hit = tr.key == 0 ? _mm_cmpeq_epi32(_mm_srli_epi32(v, 24), zero)
+                                  : _mm_cmpeq_epi32(v, _mm_set1_epi32(static_cast<int>(tr.key)));
+        v = _mm_andnot_si128(hit, v);
+        *opaque = reinterpret_cast<v4f>(_mm_cvtepi32_ps(_mm_add_epi32(hit, _mm_set1_epi32(1))));
+    }
+    __m128i lo = _mm_unpacklo_epi8(v, zero);
+    __m128i hi = _mm_unpackhi_epi8(v, zero);
+    px[0] = reinterpret_cast<v4f>(_mm_cvtepi32_ps(_mm_unpacklo_epi16(lo, zero)));
+    px[1] = reinterpret_cast<v4f>(_mm_cvtepi32_ps(_mm_unpackhi_epi16(lo, zero)));
+    px[2] = reinterpret_cast<v4f>(_mm_cvtepi32_ps(_mm_unpacklo_epi16(hi, zero)));
+    px[3] = reinterpret_cast<v4f>(_mm_cvtepi32_ps(_mm_unpackhi_epi16(hi, zero)));
+#else
+    for (int k = 0; k < 4; ++k) {
+        uint32_t p = load32(at + 4 * k);
+        bool skip = Respect && tr.test(p);
+        px[k] = skip ? splat(0.0f) : toFloat(p);
+        if constexpr (Respect) (*opaque)[k] = skip ? 0.0f : 1.0f;
+    }
+#endif
+}
+
+inline uint32_t toByte(float v) {
+    if (!(v >= 0.0f)) return 0;
+    if (v >= 255.0f) return 255;
+    return static_cast<uint32_t>(std::nearbyint(v));
+}
+
+// Rounds each lane to nearest, ties to even, clamps it into 0 .. 255 and
+// packs the four into a word.
+inline uint32_t toPixel(v4f v) {
+#ifdef __SSE2__
+    __m128 c = _mm_min_ps(_mm_max_ps(reinterpret_cast<__m128>(v), _mm_setzero_ps()),
+                          _mm_set1_ps(255.0f));
+    __m128i i = _mm_cvtps_epi32(c); // the current rounding mode: nearest, ties to even
+    i = _mm_packs_epi32(i, i);
+    i = _mm_packus_epi16(i, i);
+    return static_cast<uint32_t>(_mm_cvtsi128_si32(i));
+#else
+    return toByte(v[0]) | toByte(v[1]) << 8 | toByte(v[2]) << 16 | toByte(v[3]) << 24;
+#endif
+}
+
+// A galloc block whose start is rounded up to 16 bytes for v4f data.
+struct Aligned {
+    void* block = nullptr;
+    void* data = nullptr;
+
+    bool take(int64_t bytes) {
+        if (bytes <= 0 || bytes > INT_MAX - 16) return false;
+        block = galloc(static_cast<int32_t>(bytes + 16));
+        if (!block) return false;
+        auto at = (reinterpret_cast<uintptr_t>(block) + 15) & ~uintptr_t{15};
+        data = reinterpret_cast<void*>(at);
+        return true;
+    }
+    void release() {
+        if (block) gfree(block);
+        block = data = nullptr;
+    }
+};
+
+// ---- Horizontal pass -------------------------------------------------------
+//
+// Four source rows go through the pass together: they share every
+// contribution list, so each tap's weight is loaded once for four
+// independent sums. Their pixels are converted to float once, interleaved
+// by column so one tap reads one cache line.
+
+struct Column {
+    v4f px[4];  // the column's pixel in each of the four rows
+    v4f opaque; // per row: 1, or 0 for a pixel Respect Alpha skips
+};
+
+template <bool Respect>
+void loadRows(const ArgbView& src, int32_t y0, const Transparency& tr, Column* cols) {
+    for (int32_t k = 0; k < 4; ++k) {
+        // Past the last row the block repeats it; those sums are never stored.
+        int32_t y = y0 + k < src.height ? y0 + k : src.height - 1;
+        const uint8_t* row = src.pixels + static_cast<ptrdiff_t>(y) * src.rowbytes;
+        int32_t x = 0;
+        for (; x + 4 <= src.width; x += 4) {
+            v4f px[4], opaque;
+            toFloat4<Respect>(row + 4 * x, tr, px, &opaque);
+            for (int32_t i = 0; i < 4; ++i) {
+                cols[x + i].px[k] = px[i];
+                if constexpr (Respect) cols[x + i].opaque[k] = opaque[i];
+            }
+        }
+        for (; x < src.width; ++x) {
+            uint32_t p = load32(row + 4 * x);
+            bool skip = Respect && tr.test(p);
+            cols[x].px[k] = skip ? splat(0.0f) : toFloat(p);
+            if constexpr (Respect) cols[x].opaque[k] = skip ? 0.0f : 1.0f;
+        }
+    }
+}
+
+template <bool Respect>
+void filterRows(const Column* cols, const Contributions& cx, const Transparency& tr,
+                uint8_t* const out[4], int32_t rows) {
+    for (int32_t x = 0; x < cx.count; ++x) {
+        v4f a0 = splat(0.0f), a1 = a0, a2 = a0, a3 = a0, used = a0;
+        const int32_t* index = cx.index + cx.first[x];
+        const float* weight = cx.weight + cx.first[x];
+        int32_t n = cx.first[x + 1] - cx.first[x];
+        for (int32_t t = 0; t < n; ++t) {
+            const Column& c = cols[index[t]];
+            v4f w = splat(weight[t]);
+            a0 += w * c.px[0];
+            a1 += w * c.px[1];
+            a2 += w * c.px[2];
+            a3 += w * c.px[3];
+            if constexpr (Respect) used += w * c.opaque;
+        }
+        const v4f sums[4] = {a0, a1, a2, a3};
+        for (int32_t k = 0; k < rows; ++k) {
+            uint32_t p;
+            if constexpr (Respect)
+                p = used[k] >= kMinUsedWeight ? toPixel(sums[k] / splat(used[k])) : tr.key;
+            else
+                p = toPixel(sums[k] / splat(cx.weightSum[x]));
+            store32(out[k] + 4 * x, p);
+        }
+    }
+}
+
+template <bool Respect>
+void horizontalPass(const ArgbView& src, const Contributions& cx, const Transparency& tr,
+                    Column* cols, uint8_t* inter, int32_t interRowbytes) {
+    for (int32_t y = 0; y < src.height; y += 4) {
+        int32_t rows = src.height - y < 4 ? src.height - y : 4;
+        uint8_t* out[4];
+        for (int32_t k = 0; k < 4; ++k)
+            out[k] = inter + static_cast<ptrdiff_t>(y + (k < rows ? k : 0)) * interRowbytes;
+        loadRows<Respect>(src, y, tr, cols);
+        filterRows<Respect>(cols, cx, tr, out, rows);
+    }
+}
+
+// ---- Vertical pass ----------------------------------------------------------
+//
+// Row by row of the result; within a row, four neighbouring pixels at a
+// time, each with its own running sums, walking down the rows of its list.
+// The intermediate rows a list needs stay in cache while the pass moves
+// across them, which is what gathering each column would buy, without the
+// copying.
+
+enum class Mode { Plain, Respect, NoAlpha };
+
+template <Mode M>
+inline uint32_t finish(v4f sum, float used, float weightSum, const Transparency& tr) {
+    if constexpr (M == Mode::NoAlpha) return (toPixel(sum) & 0x00FFFFFFu) | 0xFF000000u;
+    if constexpr (M == Mode::Respect)
+        return used >= kMinUsedWeight ? toPixel(sum / splat(used)) : tr.key;
+    return toPixel(sum / splat(weightSum));
+}
+
+template <Mode M>
+void filterColumns(const uint8_t* const* rowp, const float* weight, int32_t n, float weightSum,
+                   int32_t width, const Transparency& tr, uint8_t* out) {
+    constexpr bool kSkip = M == Mode::Respect;
+    int32_t x = 0;
+    for (; x + 4 <= width; x += 4) {
+        v4f a0 = splat(0.0f), a1 = a0, a2 = a0, a3 = a0, used = a0;
+        for (int32_t t = 0; t < n; ++t) {
+            v4f px[4], opaque;
+            toFloat4<kSkip>(rowp[t] + 4 * x, tr, px, &opaque);
+            v4f w = splat(weight[t]);
+            a0 += w * px[0];
+            a1 += w * px[1];
+            a2 += w * px[2];
+            a3 += w * px[3];
+            if constexpr (kSkip) used += w * opaque;
+        }
+        store32(out + 4 * x, finish<M>(a0, used[0], weightSum, tr));
+        store32(out + 4 * x + 4, finish<M>(a1, used[1], weightSum, tr));
+        store32(out + 4 * x + 8, finish<M>(a2, used[2], weightSum, tr));
+        store32(out + 4 * x + 12, finish<M>(a3, used[3], weightSum, tr));
+    }
+    for (; x < width; ++x) {
+        v4f a = splat(0.0f);
+        float used = 0.0f;
+        for (int32_t t = 0; t < n; ++t) {
+            uint32_t p = load32(rowp[t] + 4 * x);
+            if (kSkip && tr.test(p)) continue;
+            a += splat(weight[t]) * toFloat(p);
+            used += weight[t];
+        }
+        store32(out + 4 * x, finish<M>(a, used, weightSum, tr));
+    }
+}
+
+template <Mode M>
+void verticalPass(const uint8_t* inter, int32_t interRowbytes, const Contributions& cy,
+                  const Transparency& tr, const ArgbTarget& dst, const uint8_t** rowp) {
+    for (int32_t y = 0; y < dst.height; ++y) {
+        int32_t first = cy.first[y];
+        int32_t n = cy.first[y + 1] - first;
+        for (int32_t t = 0; t < n; ++t)
+            rowp[t] = inter + static_cast<ptrdiff_t>(cy.index[first + t]) * interRowbytes;
+        uint8_t* out = dst.pixels + static_cast<ptrdiff_t>(y) * dst.rowbytes;
+        filterColumns<M>(rowp, cy.weight + first, n, cy.weightSum[y], dst.width, tr, out);
+    }
+}
+
+} // namespace
+
+uint32_t resolve_key(const ArgbView& source, bool respectAlpha, uint32_t chromakey) {
+    if (!respectAlpha || chromakey != 0) return chromakey;
+    for (int32_t y = 0; y < source.height; ++y) {
+        const uint8_t* row = source.pixels + static_cast<ptrdiff_t>(y) * source.rowbytes;
+        for (int32_t x = 0; x < source.width; ++x) {
+            uint32_t p = load32(row + 4 * x);
+            if ((p >> 24) == 0) return p;
+        }
+    }
+    return kFallbackKey;
+}
+
+bool resample_argb(const ArgbView& src, const ArgbTarget& dst, const Options& options) {
+    Transparency tr{options.key};
+    Contributions cx, cy;
+    Aligned cols, inter, rows;
+    int32_t interRowbytes = dst.width * 4;
+    bool ok = contributions_build(&cx, src.width, dst.width, options.filter) &&
+              contributions_build(&cy, src.height, dst.height, options.filter) &&
+              cols.take(static_cast<int64_t>(src.width) * sizeof(Column)) &&
+              inter.take(static_cast<int64_t>(interRowbytes) * src.height) &&
+              rows.take(static_cast<int64_t>(cy.maxTaps > 0 ? cy.maxTaps : 1) * sizeof(void*));
+    if (ok) {
+        auto* columns = static_cast<Column*>(cols.data);
+        auto* mid = static_cast<uint8_t*>(inter.data);
+        auto** rowp = static_cast<const uint8_t**>(rows.data);
+        if (options.respectAlpha)
+            horizontalPass<true>(src, cx, tr, columns, mid, interRowbytes);
+        else
+            horizontalPass<false>(src, cx, tr, columns, mid, interRowbytes);
+        if (!options.resultHasAlpha)
+            verticalPass<Mode::NoAlpha>(mid, interRowbytes, cy, tr, dst, rowp);
+        else if (options.respectAlpha)
+            verticalPass<Mode::Respect>(mid, interRowbytes, cy, tr, dst, rowp);
+        else
+            verticalPass<Mode::Plain>(mid, interRowbytes, cy, tr, dst, rowp);
+    }
+    rows.release();
+    inter.release();
+    cols.release();
+    contributions_free(&cy);
+    contributions_free(&cx);
+    return ok;
+}
+
+} // namespace resample
