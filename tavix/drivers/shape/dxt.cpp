@@ -2,15 +2,11 @@
 
 #include "tavix/core/Picture.h"
 
-#include <bit>
 #include <cstring>
 #include <squish.h>
 
 namespace tavix::dxt {
 namespace {
-
-static_assert(std::endian::native == std::endian::little,
-              "the encoder hands ARGB words to libsquish as B,G,R,A bytes");
 
 size_t blocksAcross(size_t n) { return (n + 3) / 4; }
 
@@ -85,7 +81,7 @@ void storeBlock(const uint32_t texels[16], int bx, int by, int width, int height
 int squishFlags(Kind kind, int quality) {
     int flags = kind == Kind::Dxt1 ? squish::kDxt1 : kind == Kind::Dxt3 ? squish::kDxt3 : squish::kDxt5;
     flags |= quality < 50 ? squish::kColourRangeFit : squish::kColourClusterFit;
-    return flags | squish::kSourceBGRA;
+    return flags;
 }
 
 // GameCube CMPR keeps one byte of indices per row, leftmost texel in the
@@ -160,9 +156,18 @@ void decodeCmpr(const uint8_t* tiles, int width, int height, uint32_t* argb) {
 }
 
 Bytes encode(Kind kind, const uint32_t* argb, int width, int height, int quality) {
+    // libsquish wants R, G, B, A bytes (its BGRA source flag is not
+    // honoured by every build).
+    const size_t n = static_cast<size_t>(width) * height;
+    Bytes rgba(4 * n);
+    for (size_t i = 0; i < n; ++i) {
+        rgba[4 * i] = static_cast<uint8_t>(argb[i] >> 16);
+        rgba[4 * i + 1] = static_cast<uint8_t>(argb[i] >> 8);
+        rgba[4 * i + 2] = static_cast<uint8_t>(argb[i]);
+        rgba[4 * i + 3] = static_cast<uint8_t>(argb[i] >> 24);
+    }
     Bytes out(byteSize(kind, width, height), 0);
-    squish::CompressImage(reinterpret_cast<const squish::u8*>(argb), width, height, out.data(),
-                          squishFlags(kind, quality));
+    squish::CompressImage(rgba.data(), width, height, out.data(), squishFlags(kind, quality));
     return out;
 }
 

@@ -100,7 +100,10 @@ size_t run(std::span<const uint8_t> data, const Header& header, uint8_t* out, si
         put(literals, length, distance);
         if (ended) break;
     }
-    if (partial) return at;
+    if (partial) {
+        if (done < capacity) fail("the RefPack stream stops after %zu bytes", done);
+        return at;
+    }
     if (done != header.size)
         fail("the RefPack stream stops after %zu of %zu bytes", done, header.size);
     // A stream may close with an end command after the last byte; take it.
