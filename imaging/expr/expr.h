@@ -23,14 +23,16 @@
 //
 // Language notes beyond the token and precedence tables below:
 // - Spaces, tabs, CR and LF are skipped between tokens.
-// - Numbers: an operand that starts with a decimal digit, a digit of the
-//   current radix, or '.' and such a digit is a number read in the current
-//   radix (letters are digits 10..35, either case). After a leading 0 the
+// - Numbers: an operand that starts with a decimal digit, or '.' and a
+//   digit, is a number read in the current radix (letters are digits
+//   10..35, either case). A word that starts with a letter is a number when
+//   all its letters and digits are digits of the radix, so with radix 16
+//   "ff" and "a" are numbers while "exp" stays a name; a variable whose name
+//   reads as a number is reached quoted ('a'). After a leading 0 the
 //   prefixes x, b, o (either case) switch to hex, binary, octal, each only
 //   while the radix is below 34, 12 and 25 (above that they are digits).
 //   A fraction after '.' is allowed in any radix; an exponent (e/E, optional
-//   sign, decimal digits) only in radix 10. So with radix 16 "a" is 10; a
-//   variable whose name starts with a digit of the radix is reached quoted.
+//   sign, decimal digits) only in radix 10.
 // - Names are [A-Za-z_][A-Za-z0-9_]*; a quoted operand 'any text' is a name
 //   that may hold operator characters. A name followed by '(' (spaces
 //   allowed between) calls a function, otherwise it reads a variable.

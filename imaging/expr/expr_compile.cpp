@@ -40,6 +40,7 @@ class Compiler {
     Step DefinedOperand();
     Step CallOperand(int function, size_t namePos);
     bool ReadName(const char** name, int32_t* length);
+    bool WordIsNumber(size_t at) const;
     Step CloseStatement();
     Step CloseBracket(int token, size_t at);
     Step Comma(size_t at);
@@ -181,7 +182,8 @@ Compiler::Step Compiler::OperandStep(bool& statementStart) {
         return PushOperator(c, EXPR_KIND_GROUP, at) ? kOperand : kFailed;
     }
     double value = 0;
-    if (exprScanNumber(m_Text, m_Length, &m_Pos, m_Context->radix, &value))
+    bool number = !exprIsNameStart(c) || WordIsNumber(at);
+    if (number && exprScanNumber(m_Text, m_Length, &m_Pos, m_Context->radix, &value))
         return EmitConstant(value) ? kOperator : kFailed;
     const char* name = nullptr;
     int32_t length = 0;
@@ -192,6 +194,15 @@ Compiler::Step Compiler::OperandStep(bool& statementStart) {
     }
     Fail(EXPR_ERROR_SYNTAX, at);
     return kFailed;
+}
+
+// A word that starts with a letter is a number when every letter and digit
+// of it is a digit of the radix: with radix 16 "ff" and "a" are numbers,
+// while "exp" and "defined" stay names.
+bool Compiler::WordIsNumber(size_t at) const {
+    for (size_t k = at; k < m_Length && exprIsNameChar(m_Text[k]); ++k)
+        if (m_Text[k] == '_' || exprDigitValue(m_Text[k]) >= m_Context->radix) return false;
+    return true;
 }
 
 // A plain name, or the text between single quotes.

@@ -95,7 +95,7 @@ void* exprArrayPush(ExprArray* array, int32_t limit, bool* outOfMemory) {
     *outOfMemory = false;
     if (array->count >= limit) return nullptr;
     if (array->count == array->capacity) {
-        int64_t grown = int64_t{array->capacity} * 2;
+        int64_t grown = array->capacity < 8 ? 16 : int64_t{array->capacity} * 2;
         if (grown > limit) grown = limit;
         if (grown * array->itemSize > INT32_MAX) {
             *outOfMemory = true;
