@@ -126,6 +126,7 @@ class ShapeReader : public FrameReader {
     void paletteOf(const Entry& e, TavixColour out[256], int& count) const;
     void decodeBitmapLevel(int entry, int level, Picture& out);
     void buildTail(const Entry& e, int level, const TavixInfo& info, Bytes& tail);
+    void keepStoredPixels(const Entry& e, int level, const TavixInfo& info, TailBuilder& t);
 
     const Variant& m_variant;
     Bytes m_file;
@@ -520,7 +521,15 @@ void ShapeReader::buildTail(const Entry& e, int level, const TavixInfo& info, By
         if (palette)
             t.add(tail::kTagPalette, ByteSpan(&m_file[palette->pos], 16 + entryBytes(e.paletteLayout) * e.paletteCount));
     }
-    if (e.kind == Kind::Bitmap) {
+    if (e.kind == Kind::Bitmap) keepStoredPixels(e, level, info, t);
+    t.finish(out);
+}
+
+// Stored pixels that decoding would not reproduce, and the packed stream,
+// so that the writer can give them back unchanged. A payload that does not
+// unpack is left out here; reading the frame reports it.
+void ShapeReader::keepStoredPixels(const Entry& e, int level, const TavixInfo& info, TailBuilder& t) {
+    try {
         const int entryIndex = static_cast<int>(&e - m_entries.data());
         size_t consumed = 0;
         ByteSpan payload = payloadOf(entryIndex, &consumed);
@@ -538,8 +547,8 @@ void ShapeReader::buildTail(const Entry& e, int level, const TavixInfo& info, By
         }
         if (!lossless) t.add(tail::kTagPixels, stored);
         if (level == 0 && (e.id & kRecPacked)) t.add(tail::kTagPacked, ByteSpan(&m_file[e.chain[0].pos + 16], consumed));
+    } catch (const FormatError&) {
     }
-    t.finish(out);
 }
 
 } // namespace
