@@ -75,6 +75,9 @@ bool readFrames(ReadSession& session, const std::string& path, bool showProgress
     }
     bool success = TavixIs(session.stream) != 0;
     const int count = TavixOpen(&session.reader, session.stream, path.c_str(), 1);
+    // A driver that took the stream but cannot open it has found the file
+    // bad: that is a failed read, not an empty file.
+    if (count <= 0) success = false;
     progress.SetRange(0, count > 0 ? count : 0);
     for (int i = 0; i < count; ++i) {
         if (showProgress) {
