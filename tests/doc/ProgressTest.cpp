@@ -3,14 +3,13 @@
 
 #include "ScriptedUi.h"
 
+#include "app/doc/ConsoleUi.h"
 #include "app/doc/ProgressDlg.h"
-#include "imaging/galloc.h"
-#include "imaging/module/module.h"
-#include "tavix/records.h"
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <cstdio>
+#include <functional>
 
 using namespace zytest;
 
@@ -76,24 +75,18 @@ TEST(Progress, MainWindowIsDisabledOnlyWhileTheDialogIsUp) {
     EXPECT_FALSE(model.ui.IsMainWindowEnabled());
 }
 
-TEST(Progress, ShowsTheDriverOrModuleDoingTheWork) {
-    TavixAbout about{};
-    strcpy(about.description, "Tavix Images");
-    strcpy(about.author, "Zy project");
-    strcpy(about.version, "1.00");
-    CProgressDlg reading("Reading x", &about);
-    EXPECT_EQ(reading.GetModuleText(), "Tavix Images");
-    EXPECT_EQ(reading.GetAuthorText(), "Zy project");
-    EXPECT_EQ(reading.GetVersionText(), "1.00");
-
-    module_find("flip");
-    ModuleDescriptor* descriptor = module_describe();
-    ASSERT_NE(descriptor, nullptr);
-    CProgressDlg filtering("Filtering Images", descriptor);
-    EXPECT_EQ(filtering.GetModuleText(), "Flip");
-    EXPECT_EQ(filtering.GetVersionText(), descriptor->version);
-    gfree(descriptor);
-
-    CProgressDlg plain("Exporting Images");
-    EXPECT_EQ(plain.GetModuleText(), "");
+TEST(ConsoleUi, AnswersWithoutEverBlocking) {
+    FILE* sink = tmpfile();
+    CConsoleUi ui(sink);
+    EXPECT_EQ(ui.MessageBox("Delete?", MsgButtons::YesNo, MsgIcon::Warning, "Zy"), MsgAnswer::Yes);
+    EXPECT_EQ(ui.MessageBox("Go on?", MsgButtons::OKCancel, MsgIcon::None, "Zy"), MsgAnswer::OK);
+    CFileDialogData dialog;
+    dialog.m_Path = "kept";
+    EXPECT_TRUE(ui.EditDialog(dialog));
+    EXPECT_EQ(dialog.m_Path, "kept");
+    CProgressDlg dlg("Work");
+    ASSERT_TRUE(dlg.Create(ui));
+    dlg.SetStatus("(1/1)");
+    EXPECT_FALSE(dlg.CheckCancelButton());
+    fclose(sink);
 }
