@@ -37,12 +37,18 @@ constexpr uint64_t kMaxInflation = 1032;
 
 // --- libpng plumbing (no C++ exceptions may cross these) --------------------
 
+// libpng's error and memory context: the message of the error that ended a
+// run, and the largest single block libpng may have.
 struct PngMessage {
     char text[200] = "";
+    size_t allocationLimit = 0x7FFFFF00u;
 };
 
-png_voidp hostMalloc(png_structp, png_alloc_size_t size) {
-    if (size > 0x7FFFFF00u) return nullptr;
+// libpng's own limits on ancillary chunks do not stop every large request,
+// so no block may exceed what the image in hand can need.
+png_voidp hostMalloc(png_structp png, png_alloc_size_t size) {
+    auto* context = static_cast<const PngMessage*>(png_get_mem_ptr(png));
+    if (size > 0x7FFFFF00u || (context && size > context->allocationLimit)) return nullptr;
     return host().alloc(static_cast<int32_t>(std::max<png_alloc_size_t>(size, 1)));
 }
 
@@ -126,7 +132,7 @@ void chooseTransforms(png_structp png, const PngReadJob& job) {
 // The only function that calls setjmp on the read side.
 bool runRead(PngReadJob& job) {
     png_structp png = png_create_read_struct_2(PNG_LIBPNG_VER_STRING, &job.message, onError, onWarning,
-                                               nullptr, hostMalloc, hostFree);
+                                               &job.message, hostMalloc, hostFree);
     if (!png) {
         copyText(job.message.text, sizeof job.message.text, "out of memory");
         return false;
@@ -164,6 +170,7 @@ class PngReader : public FrameReader {
         if (file.size() < 8 || memcmp(file.data(), kSignature, 8) != 0) fail("not a PNG file");
         m_job.data = file.data();
         m_job.size = file.size();
+        m_job.message.allocationLimit = allocationLimit(file);
         m_job.prepare = prepareRows;
         m_job.owner = this;
         bool ok = runRead(m_job);
@@ -208,6 +215,33 @@ class PngReader : public FrameReader {
         }
     }
 
+    // The header's claims, checked before libpng allocates anything for
+    // them; libpng validates the header itself afterwards. Rows of up to 8
+    // bytes a pixel (twice, for filtering) are the largest legitimate blocks.
+    size_t allocationLimit(const Bytes& file) {
+        constexpr size_t kSmallBlocks = 8 << 20;
+        if (file.size() < 33 || memcmp(&file[12], "IHDR", 4) != 0) return kSmallBlocks;
+        ByteReader in(file.data(), file.size());
+        in.seek(16);
+        uint32_t width = in.u32be(), height = in.u32be();
+        m_job.bitDepth = in.u8();
+        m_job.colourType = in.u8();
+        if (width == 0 || height == 0 || width > kMaxSide || height > kMaxSide) return kSmallBlocks;
+        m_job.width = width;
+        m_job.height = height;
+        checkClaims();
+        return std::max<size_t>(kSmallBlocks, size_t{width} * 16 + 65536);
+    }
+
+    void checkClaims() const {
+        const PngReadJob& j = m_job;
+        checkedPixelCount(j.width, j.height);
+        int channels = j.colourType == PNG_COLOR_TYPE_PALETTE ? 1 : channelsOf(j.colourType);
+        uint64_t rowBytes = (uint64_t{j.width} * std::min(j.bitDepth, 16) * channels + 7) / 8 + 1;
+        if (rowBytes * j.height / kMaxInflation > m_fileSize)
+            fail("the compressed data is too small for a %u x %u image", j.width, j.height);
+    }
+
     // Runs inside libpng: must not throw.
     static png_bytep* prepareRows(PngReadJob& job) {
         auto* self = static_cast<PngReader*>(job.owner);
@@ -224,11 +258,7 @@ class PngReader : public FrameReader {
 
     void allocate() {
         const PngReadJob& j = m_job;
-        checkedPixelCount(j.width, j.height);
-        int channels = j.colourType == PNG_COLOR_TYPE_PALETTE ? 1 : channelsOf(j.colourType);
-        uint64_t rowBytes = (uint64_t{j.width} * j.bitDepth * channels + 7) / 8 + 1;
-        if (rowBytes * j.height / kMaxInflation > m_fileSize)
-            fail("the compressed data is too small for a %u x %u image", j.width, j.height);
+        checkClaims();
         bool palette = j.colourType == PNG_COLOR_TYPE_PALETTE;
         if (palette)
             m_picture.makeIndexed(static_cast<int32_t>(j.width), static_cast<int32_t>(j.height));
@@ -297,7 +327,7 @@ void flushNothing(png_structp) {}
 // The only function that calls setjmp on the write side.
 bool runWrite(PngWriteJob& job) {
     png_structp png = png_create_write_struct_2(PNG_LIBPNG_VER_STRING, &job.message, onError, onWarning,
-                                                nullptr, hostMalloc, hostFree);
+                                                &job.message, hostMalloc, hostFree);
     if (!png) {
         copyText(job.message.text, sizeof job.message.text, "out of memory");
         return false;

@@ -359,7 +359,7 @@ class TgaWriter : public FrameWriter {
         out.u16le(p.width);
         out.u16le(p.height);
         out.u8(depth);
-        out.u8(!p.indexed && alpha ? 8 : 0);             // bottom-left origin
+        out.u8(alpha ? 8 : 0); // alpha bits of the pixel or map entry; bottom-left origin
         if (p.indexed) writeMap(out, entries, alpha);
         writePixels(out, depth / 8, alpha);
         out.u32le(0); // no extension area

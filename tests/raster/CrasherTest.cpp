@@ -1,7 +1,8 @@
 // Broken and hostile files: each one in crashers/ must fail to read with a
 // message and give back every block it took, through the library and
-// through the fuzz targets' body; truncations of good files and failed
-// allocations at every point must be just as clean.
+// through the fuzz targets' body; the fuzzers' past findings must stay
+// fixed; truncations of good files and failed allocations at every point
+// must be just as clean.
 
 #include "RasterFuzz.h"
 #include "RasterTestSupport.h"
@@ -76,6 +77,21 @@ TEST(RasterCrashers, ReplayThroughTheFuzzTargets) {
         std::vector<uint8_t> bytes = readBytes(file);
         for (const char* driver : kDrivers) fuzzRaster(driver, bytes.data(), bytes.size());
     }
+    EXPECT_EQ(galloc_live_count(), live);
+}
+
+// Inputs the fuzzers once tripped over, named "<driver>-<what went wrong>";
+// some of them are readable files, so only the fuzz body replays them.
+TEST(RasterCrashers, FuzzFindingsStayFixed) {
+    int32_t live = galloc_live_count();
+    int replayed = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(ZY_RASTER_FINDINGS)) {
+        std::string name = entry.path().filename().string();
+        std::vector<uint8_t> bytes = readBytes(entry.path());
+        fuzzRaster(name.substr(0, 3).c_str(), bytes.data(), bytes.size());
+        ++replayed;
+    }
+    EXPECT_GT(replayed, 0);
     EXPECT_EQ(galloc_live_count(), live);
 }
 

@@ -98,7 +98,10 @@ void roundTrip(const Driver& driver, const TavixInfo& info, const Picture& pictu
     size_t pixels = size_t(picture.width) * size_t(picture.height);
     for (size_t i = 0; i < pixels; ++i) {
         if (picture.indexed && back.indices[i] != picture.indices[i]) finding("the round trip changed an index");
-        if (back.argbAt(i) != picture.argbAt(i)) finding("the round trip changed a colour");
+        if (back.argbAt(i) != picture.argbAt(i)) {
+            fprintf(stderr, "pixel %zu: 0x%08X became 0x%08X\n", i, picture.argbAt(i), back.argbAt(i));
+            finding("the round trip changed a colour");
+        }
     }
 }
 
