@@ -1,0 +1,472 @@
+#include "app/ui/ImageView.h"
+
+#include "app/doc/Hints.h"
+#include "app/doc/Profile.h"
+#include "app/doc/TavixDoc.h"
+#include "app/doc/TavixImage.h"
+#include "app/doc/UserInterface.h"
+#include "app/ui/CaptionStrip.h"
+#include "app/ui/CommandIds.h"
+#include "app/ui/MainFrame.h"
+#include "app/ui/QtUserInterface.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QThread>
+#include <QWheelEvent>
+
+#include <cmath>
+#include <cstdio>
+
+using namespace ZyIds;
+
+namespace {
+
+constexpr int kAnimationSteps = 30;
+constexpr int kAnimationWaitMs = 10;
+
+// Channel commands and their mask bits, for the view and the write masks.
+struct ChannelCommand {
+    unsigned viewId;
+    unsigned writeId;
+    uint32_t bits;
+};
+
+constexpr ChannelCommand kChannels[] = {
+    {ViewAlpha, WriteAlpha, kChannelAlpha}, {ViewRed, WriteRed, kChannelRed},
+    {ViewGreen, WriteGreen, kChannelGreen}, {ViewBlue, WriteBlue, kChannelBlue},
+    {ViewRGB, WriteRGB, kChannelRGB},
+};
+
+QRect toQRect(const CRect& r) {
+    return QRect(r.left, r.top, r.Width(), r.Height());
+}
+
+} // namespace
+
+std::string ZoomPaneText(double zoom) {
+    char text[32];
+    if (zoom <= 1.0)
+        snprintf(text, sizeof text, "1:%d", static_cast<int>(1.0 / zoom));
+    else
+        snprintf(text, sizeof text, "%d:1", static_cast<int>(zoom));
+    return text;
+}
+
+CImageView::CImageView(CTavixDoc* doc, QWidget* parent)
+    : QAbstractScrollArea(parent), m_Doc(doc),
+      m_Highlight(static_cast<size_t>(kHighlightEntries), 0) {
+    m_Caption = new TCaptionStrip("Worksheet", kCaptionHeight, this);
+    m_Settings.Load(ZyProfile());
+    if (m_Settings.m_RestoreZF) {
+        const double restored = m_Settings.m_ZF / 16.0;
+        if (restored >= kMinZoom && restored <= kMaxZoom) m_Zoom = restored;
+    }
+    setFocusPolicy(Qt::StrongFocus);
+    viewport()->setMouseTracking(true);
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    viewport()->setAttribute(Qt::WA_NoSystemBackground);
+    horizontalScrollBar()->setSingleStep(16);
+    verticalScrollBar()->setSingleStep(16);
+    m_Doc->AddView(this);
+    // A new view applies its zoom once (with the animation, when shown).
+    SetZoom(m_Zoom);
+}
+
+CImageView::~CImageView() {
+    m_Doc->RemoveView(this);
+    m_Settings.m_ZF = static_cast<int>(m_Zoom * 16);
+    m_Settings.Save(ZyProfile());
+}
+
+// ---- Painting ------------------------------------------------------------------------
+
+QPoint CImageView::ScrollPosition() const {
+    return {horizontalScrollBar()->value(), verticalScrollBar()->value()};
+}
+
+CSheetScene CImageView::BuildScene() const {
+    CSheetScene scene;
+    const int count = m_Doc->GetImageCount();
+    const CSelectionModel& selection = m_Doc->GetSelectionModel();
+    scene.images.reserve(static_cast<size_t>(count));
+    scene.selected.resize(static_cast<size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        scene.images.push_back(CSheetImage::Of(*m_Doc->GetImageAt(i), m_Settings.m_PointsVisible));
+        scene.selected[static_cast<size_t>(i)] = selection.IsSelected(i) ? 1 : 0;
+    }
+    scene.focus = count > 0 ? m_Doc->GetFocusIndex() : -1;
+    scene.selectionEdges = m_SelectionEdges;
+    scene.highlight = &m_Highlight;
+    return scene;
+}
+
+void CImageView::PaintInto(const CRect& area) {
+    if (!m_Buffer.Place(area)) return;
+    PaintWorksheet(m_Buffer, BuildScene(), m_Settings, m_Zoom, kWorksheetSize);
+}
+
+QImage CImageView::RenderArea(const QRect& area) {
+    PaintInto({area.left(), area.top(), area.left() + area.width(), area.top() + area.height()});
+    const CDIB& bitmap = m_Buffer.Bitmap();
+    if (!bitmap.IsValid()) return {};
+    return QImage(bitmap.GetBits(), bitmap.GetWidth(), bitmap.GetHeight(), bitmap.GetPitch(),
+                  QImage::Format_ARGB32)
+        .copy();
+}
+
+void CImageView::paintEvent(QPaintEvent* event) {
+    QPainter painter(viewport());
+    if (!m_AnimationFrame.isNull()) {
+        // A zoom animation runs: the last frame with the moving rectangle,
+        // drawn inverted.
+        painter.drawPixmap(0, 0, m_AnimationFrame);
+        if (m_AnimationRect.isValid()) {
+            painter.setCompositionMode(QPainter::RasterOp_SourceXorDestination);
+            painter.setPen(QPen(Qt::white, 1, Qt::DotLine));
+            painter.drawRect(m_AnimationRect);
+        }
+        return;
+    }
+    const QRect clip = event->rect();
+    if (clip.isEmpty()) return;
+    const QPoint scroll = ScrollPosition();
+    PaintInto({clip.left() + scroll.x(), clip.top() + scroll.y(), clip.right() + 1 + scroll.x(),
+               clip.bottom() + 1 + scroll.y()});
+    const CDIB& bitmap = m_Buffer.Bitmap();
+    if (!bitmap.IsValid()) return;
+    // The buffer's own memory, shown without a copy; its alpha means nothing
+    // on screen.
+    const QImage frame(bitmap.GetBits(), bitmap.GetWidth(), bitmap.GetHeight(),
+                       bitmap.GetPitch(), QImage::Format_RGB32);
+    painter.drawImage(clip.topLeft(), frame);
+}
+
+void CImageView::resizeEvent(QResizeEvent* event) {
+    QAbstractScrollArea::resizeEvent(event);
+    UpdateScrollSizes();
+}
+
+void CImageView::scrollContentsBy(int, int) {
+    viewport()->update();
+}
+
+void CImageView::UpdateScrollSizes() {
+    const int width = static_cast<int>(kWorksheetSize.cx * m_Zoom);
+    const int height = static_cast<int>(kWorksheetSize.cy * m_Zoom);
+    const QSize page = viewport()->size();
+    horizontalScrollBar()->setRange(0, std::max(0, width - page.width()));
+    verticalScrollBar()->setRange(0, std::max(0, height - page.height()));
+    horizontalScrollBar()->setPageStep(page.width());
+    verticalScrollBar()->setPageStep(page.height());
+}
+
+void CImageView::Invalidate(const QRect& viewRect) {
+    const QRect local = viewRect.translated(-ScrollPosition()).intersected(viewport()->rect());
+    if (local.isEmpty()) return;
+    m_LastInvalidated += local;
+    viewport()->update(local);
+}
+
+void CImageView::InvalidateAll() {
+    m_LastInvalidated = viewport()->rect();
+    viewport()->update();
+}
+
+// ---- Zoom ------------------------------------------------------------------------------
+
+bool CImageView::ZoomAnimationWanted() const {
+    return ZyProfile().GetInt(kImageViewSection, "m_bAnimateZoom", 1) != 0 && isVisible() &&
+           viewport()->width() > 8 && viewport()->height() > 8;
+}
+
+void CImageView::AnimateZoom(bool inward) {
+    if (!ZoomAnimationWanted()) return;
+    ++m_AnimationCount;
+    const QRect client = viewport()->rect();
+    const int qx = client.width() / 4, qy = client.height() / 4;
+    QRectF rect = QRectF(client).adjusted(qx, qy, -qx, -qy);
+    const double stepX = qx / double(kAnimationSteps), stepY = qy / double(kAnimationSteps);
+    m_AnimationFrame = viewport()->grab();
+    if (inward) rect.adjust(qx, qy, -qx, -qy);
+    for (int i = 0; i < kAnimationSteps; ++i) {
+        m_AnimationRect = rect.toRect();
+        viewport()->repaint();
+        QThread::msleep(kAnimationWaitMs);
+        if (inward)
+            rect.adjust(-stepX, -stepY, stepX, stepY);
+        else
+            rect.adjust(stepX, stepY, -stepX, -stepY);
+    }
+    m_AnimationFrame = QPixmap();
+    m_AnimationRect = QRect();
+    viewport()->update();
+}
+
+bool CImageView::SetZoom(double zoom) {
+    if (zoom <= m_Zoom && m_Zoom <= kMinZoom) return false;
+    if (zoom > m_Zoom && m_Zoom >= kMaxZoom) return false;
+    const bool inward = zoom > m_Zoom;
+    m_Zoom = zoom;
+    if (m_ZoomAnimation) AnimateZoom(inward);
+    UpdateScrollSizes();
+    InvalidateAll();
+    return true;
+}
+
+void CImageView::ZoomIn(bool toOrigin) {
+    if (m_Doc->GetImageCount() < 1 || m_Zoom >= kMaxZoom) return;
+    const int cx = viewport()->width() / 2, cy = viewport()->height() / 2;
+    const QPoint s = ScrollPosition();
+    m_ZoomAnimation = false;
+    AnimateZoom(true);
+    SetZoom(m_Zoom * 2);
+    if (toOrigin) {
+        horizontalScrollBar()->setValue(0);
+        verticalScrollBar()->setValue(0);
+    } else {
+        horizontalScrollBar()->setValue(2 * (s.x() + cx) - cx);
+        verticalScrollBar()->setValue(2 * (s.y() + cy) - cy);
+    }
+    InvalidateAll();
+    m_ZoomAnimation = true;
+}
+
+void CImageView::ZoomOut() {
+    if (m_Doc->GetImageCount() < 1 || m_Zoom <= kMinZoom) return;
+    const int cx = viewport()->width() / 2, cy = viewport()->height() / 2;
+    const QPoint s = ScrollPosition();
+    m_ZoomAnimation = false;
+    AnimateZoom(false);
+    SetZoom(m_Zoom / 2);
+    horizontalScrollBar()->setValue((s.x() + cx) / 2 - cx);
+    verticalScrollBar()->setValue((s.y() + cy) / 2 - cy);
+    InvalidateAll();
+    m_ZoomAnimation = true;
+}
+
+void CImageView::wheelEvent(QWheelEvent* event) {
+    if (event->angleDelta().y() > 0)
+        ZoomIn(event->modifiers() & Qt::ShiftModifier);
+    else
+        ZoomOut();
+    event->accept();
+}
+
+// ---- Mouse and panes -------------------------------------------------------------------------
+
+void CImageView::mouseMoveEvent(QMouseEvent* event) {
+    m_Mouse = event->position().toPoint();
+    QAbstractScrollArea::mouseMoveEvent(event);
+}
+
+void CImageView::leaveEvent(QEvent* event) {
+    m_Mouse = {-1, -1};
+    QAbstractScrollArea::leaveEvent(event);
+}
+
+void CImageView::mousePressEvent(QMouseEvent* event) {
+    setFocus(Qt::MouseFocusReason);
+    QAbstractScrollArea::mousePressEvent(event);
+}
+
+void CImageView::focusInEvent(QFocusEvent* event) {
+    QAbstractScrollArea::focusInEvent(event);
+    emit Activated();
+}
+
+std::string CImageView::PositionPaneText() const {
+    const CMainFrame* frame = ZyQtUi() ? ZyQtUi()->GetMainFrame() : nullptr;
+    if (m_Mouse.x() < 0 || (frame && !frame->isActiveWindow())) return {};
+    const QPoint s = ScrollPosition();
+    const int x = static_cast<int>(std::floor((m_Mouse.x() + s.x()) / m_Zoom));
+    const int y = static_cast<int>(std::floor((m_Mouse.y() + s.y()) / m_Zoom));
+    char text[32];
+    snprintf(text, sizeof text, "%d,%d", x, y);
+    return text;
+}
+
+// ---- Updates ------------------------------------------------------------------------------------
+
+void CImageView::OnUpdate(CView*, long, CObject* hint) {
+    m_LastInvalidated = QRegion();
+    if (auto* modified = dynamic_cast<CModifiedHint*>(hint)) {
+        // Points and hot spots may lie outside their images: with them on,
+        // repaint everything.
+        if (modified->m_Flag || m_Settings.m_PointsVisible) {
+            InvalidateAll();
+            return;
+        }
+        const int count = m_Doc->GetImageCount();
+        for (int i = 0; i < modified->m_Range.GetSize() && i < count; ++i) {
+            if (!modified->m_Range.IsSelected(i)) continue;
+            const CSheetImage image = CSheetImage::Of(*m_Doc->GetImageAt(i), false);
+            // One pixel more on each side for the selection edge.
+            Invalidate(toQRect(SheetImageRect(image, m_Settings.m_ViewMode, m_Zoom))
+                           .adjusted(-1, -1, 1, 1));
+        }
+        return;
+    }
+    if (dynamic_cast<COptionsChangedHint*>(hint)) m_Settings.ReloadOptions(ZyProfile());
+    UpdateScrollSizes();
+    InvalidateAll();
+}
+
+// ---- Commands ------------------------------------------------------------------------------------
+
+void CImageView::SaveSetting(const char* name, int value) {
+    ZyProfile().WriteInt(kImageViewSection, name, value);
+}
+
+void CImageView::SetHighlight(int entry) {
+    std::fill(m_Highlight.begin(), m_Highlight.end(), 0);
+    if (entry >= 0 && entry < kHighlightEntries) m_Highlight[static_cast<size_t>(entry)] = 1;
+    InvalidateAll();
+}
+
+bool CImageView::OnCmdMsg(unsigned id) {
+    CImageViewSettings& s = m_Settings;
+    for (const ChannelCommand& channel : kChannels) {
+        if (id == channel.viewId) {
+            s.m_ChannelViewMask = ToggleChannel(s.m_ChannelViewMask, channel.bits);
+            InvalidateAll();
+            return true;
+        }
+        if (id == channel.writeId) {
+            s.m_ChannelWriteMask = ToggleChannel(s.m_ChannelWriteMask, channel.bits);
+            return true;
+        }
+    }
+    if (id >= Highlight0 && id <= HighlightLast) {
+        SetHighlight(static_cast<int>(id - Highlight0));
+        return true;
+    }
+    switch (id) {
+    case ViewZoomIn:
+        ZoomIn(QApplication::keyboardModifiers() & Qt::ShiftModifier);
+        return true;
+    case ViewZoomOut:
+        ZoomOut();
+        return true;
+    case ViewZoomNormal:
+        SetZoom(1.0);
+        return true;
+    case CheckerLarger:
+    case CheckerSmaller:
+        s.m_CheckerSize = std::clamp(s.m_CheckerSize + (id == CheckerLarger ? 1 : -1), 1, 8);
+        SaveSetting("m_CheckerSize", s.m_CheckerSize);
+        InvalidateAll();
+        return true;
+    case GridLarger:
+        if (s.m_GridSize < 128) s.m_GridSize *= 2;
+        SaveSetting("m_GridSize", s.m_GridSize);
+        InvalidateAll();
+        return true;
+    case GridSmaller:
+        if (s.m_GridSize > 4) s.m_GridSize /= 2;
+        SaveSetting("m_GridSize", s.m_GridSize);
+        InvalidateAll();
+        return true;
+    case ViewGrid:
+        s.m_GridVisible = !s.m_GridVisible;
+        InvalidateAll();
+        return true;
+    case OverlapWarning:
+        s.m_DrawOverlapWarning = !s.m_DrawOverlapWarning;
+        InvalidateAll();
+        return true;
+    case VramView:
+        s.m_ViewMode = s.m_ViewMode == 1 ? 0 : 1;
+        InvalidateAll();
+        return true;
+    case ViewPoints:
+        s.m_PointsVisible = !s.m_PointsVisible;
+        InvalidateAll();
+        return true;
+    case ViewSelectionEdges:
+        m_SelectionEdges = !m_SelectionEdges;
+        InvalidateAll();
+        return true;
+    case ShowFocusedImage:
+        s.m_IsActiveVisible = !s.m_IsActiveVisible;
+        InvalidateAll();
+        return true;
+    case FocusedImageTopmost:
+        s.m_IsActiveTopMost = !s.m_IsActiveTopMost;
+        InvalidateAll();
+        return true;
+    case ClearHighlight:
+        SetHighlight(-1);
+        return true;
+    case RefreshViews:
+        m_Doc->UpdateAllViews(nullptr);
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool CImageView::OnUpdateCmdUI(CUiCmdUI& ui) {
+    const unsigned id = ui.m_nID;
+    const CImageViewSettings& s = m_Settings;
+    for (const ChannelCommand& channel : kChannels) {
+        if (id == channel.viewId) {
+            ui.Enable();
+            ui.SetCheck((s.m_ChannelViewMask & channel.bits) != 0);
+            return true;
+        }
+        if (id == channel.writeId) {
+            ui.Enable();
+            return true;
+        }
+    }
+    if (id >= Highlight0 && id <= HighlightLast) {
+        ui.Enable();
+        return true;
+    }
+    switch (id) {
+    case ViewZoomIn:
+    case ViewZoomOut:
+        ui.Enable(m_Doc->GetImageCount() > 0);
+        return true;
+    case GridLarger:
+        ui.Enable(s.m_GridSize < 128);
+        return true;
+    case GridSmaller:
+        ui.Enable(s.m_GridSize >= 5);
+        return true;
+    case ViewGrid:
+        ui.Enable();
+        ui.SetCheck(s.m_GridVisible);
+        return true;
+    case OverlapWarning:
+        ui.Enable();
+        ui.SetCheck(s.m_DrawOverlapWarning);
+        return true;
+    case VramView:
+        ui.Enable();
+        ui.SetCheck(s.m_ViewMode == 1);
+        return true;
+    case ViewPoints:
+        ui.Enable();
+        ui.SetCheck(s.m_PointsVisible);
+        return true;
+    case ViewSelectionEdges:
+        ui.Enable();
+        ui.SetCheck(m_SelectionEdges);
+        return true;
+    case ViewZoomNormal:
+    case CheckerLarger:
+    case CheckerSmaller:
+    case ShowFocusedImage:
+    case FocusedImageTopmost:
+    case ClearHighlight:
+    case RefreshViews:
+        ui.Enable();
+        return true;
+    default:
+        return false;
+    }
+}

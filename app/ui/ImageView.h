@@ -1,0 +1,112 @@
+#pragma once
+// CImageView: the worksheet, the right-hand view of every document window.
+// It paints the shown images (the selected ones and the focused one) at
+// their worksheet positions over the checkerboard or the PSX VRAM board, at
+// a zoom from 1/16 to 16, with channel masks, grid, points, selection edges
+// and the overlap warning. Painting goes through the worksheet painting
+// engine into one reused back buffer covering only the area to repaint.
+
+#include "app/doc/View.h"
+#include "app/ui/CommandTarget.h"
+#include "app/ui/ImageViewSettings.h"
+#include "app/ui/WorksheetPainter.h"
+
+#include <QAbstractScrollArea>
+#include <QPixmap>
+
+#include <string>
+#include <vector>
+
+class CTavixDoc;
+class TCaptionStrip;
+
+// The worksheet's size in worksheet pixels.
+constexpr CSize kWorksheetSize{2048, 2048};
+
+// "1:%d" with the integer part of 1 / zoom up to 1.0, "%d:1" above.
+std::string ZoomPaneText(double zoom);
+
+class CImageView : public QAbstractScrollArea, public CView, public CCommandTarget {
+    Q_OBJECT
+  public:
+    static constexpr double kMinZoom = 1.0 / 16;
+    static constexpr double kMaxZoom = 16.0;
+    static constexpr int kHighlightEntries = 1024;
+
+    explicit CImageView(CTavixDoc* doc, QWidget* parent = nullptr);
+    ~CImageView() override;
+
+    CTavixDoc* GetDocument() const { return m_Doc; }
+    TCaptionStrip* Caption() const { return m_Caption; }
+    CImageViewSettings& Settings() { return m_Settings; }
+    const CImageViewSettings& Settings() const { return m_Settings; }
+
+    // CView
+    void OnUpdate(CView* sender, long lHint, CObject* hint) override;
+    // CCommandTarget
+    bool OnCmdMsg(unsigned id) override;
+    bool OnUpdateCmdUI(CUiCmdUI& ui) override;
+
+    double GetZoom() const { return m_Zoom; }
+    // False when refused: no smaller than 1/16 and no larger than 16, tested
+    // on the current zoom.
+    bool SetZoom(double zoom);
+    void ZoomIn(bool toOrigin = false);
+    void ZoomOut();
+    // How many zoom animations ran (each is 30 steps of 10 ms).
+    int ZoomAnimationCount() const { return m_AnimationCount; }
+
+    bool SelectionEdges() const { return m_SelectionEdges; }
+    const std::vector<uint8_t>& Highlight() const { return m_Highlight; }
+
+    // Status-bar panes.
+    std::string PositionPaneText() const;
+    std::string ZoomPaneText() const { return ::ZoomPaneText(m_Zoom); }
+
+    // Paints the worksheet area `area` (view pixels, scroll included) into
+    // an image, exactly as a paint of that area would.
+    QImage RenderArea(const QRect& area);
+    // The part of the viewport an update hint invalidated last.
+    QRegion LastInvalidated() const { return m_LastInvalidated; }
+
+  signals:
+    void Activated();
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+  private:
+    CSheetScene BuildScene() const;
+    void PaintInto(const CRect& area);
+    void UpdateScrollSizes();
+    void AnimateZoom(bool inward);
+    bool ZoomAnimationWanted() const;
+    void Invalidate(const QRect& viewRect);
+    void InvalidateAll();
+    void SaveSetting(const char* name, int value);
+    void SetHighlight(int entry);
+    QPoint ScrollPosition() const;
+
+    CTavixDoc* m_Doc;
+    TCaptionStrip* m_Caption;
+    CImageViewSettings m_Settings;
+    double m_Zoom = 1.0;
+    bool m_ZoomAnimation = true;
+    bool m_SelectionEdges = false;
+    CBackBuffer m_Buffer;
+    std::vector<uint8_t> m_Highlight;
+    float m_LightX = 0, m_LightY = 0;
+    // The zoom animation: the frame it runs over and its rectangle.
+    QPixmap m_AnimationFrame;
+    QRect m_AnimationRect;
+    int m_AnimationCount = 0;
+    QPoint m_Mouse{-1, -1};
+    QRegion m_LastInvalidated;
+};

@@ -1,0 +1,327 @@
+#include "app/ui/MainFrame.h"
+
+#include "app/doc/Profile.h"
+#include "app/doc/UserInterface.h"
+#include "app/ui/ChildFrame.h"
+#include "app/ui/CommandIds.h"
+#include "app/ui/IconFactory.h"
+#include "app/ui/ImageListView.h"
+#include "app/ui/ImageView.h"
+#include "app/ui/MenuTable.h"
+#include "app/ui/OutputWindow.h"
+#include "app/ui/WindowPlacement.h"
+#include "app/ui/Zy.h"
+
+#include <QCloseEvent>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QToolBar>
+
+using namespace ZyIds;
+
+namespace {
+
+constexpr const char* kMainWindowSection = "Main Window";
+constexpr const char* kToolBarSection = "ToolBarSettings";
+
+// A pane just wide enough for its widest text.
+QLabel* makePane(const QString& sizing) {
+    auto* label = new QLabel;
+    label->setAlignment(Qt::AlignCenter);
+    label->setMinimumWidth(label->fontMetrics().horizontalAdvance(sizing) + 10);
+    label->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+    return label;
+}
+
+} // namespace
+
+CMainFrame::CMainFrame(CZy* app) : m_App(app) {
+    setObjectName("MainFrame");
+    setWindowTitle("Zy");
+}
+
+CMainFrame::~CMainFrame() = default;
+
+bool CMainFrame::Create() {
+    m_MdiArea = new QMdiArea;
+    m_MdiArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_MdiArea->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setCentralWidget(m_MdiArea);
+    connect(m_MdiArea, &QMdiArea::subWindowActivated, this, &CMainFrame::OnSubWindowActivated);
+
+    m_Output = new COutputWindow(this);
+    addDockWidget(Qt::BottomDockWidgetArea, m_Output);
+    m_Output->hide();
+
+    BuildMenus();
+    BuildExtraActions();
+    BuildToolbars();
+    BuildStatusBar();
+    setDockOptions(QMainWindow::AnimatedDocks | QMainWindow::AllowTabbedDocks);
+
+    resize(1200, 800);
+    ApplyPlacement(*this, ReadWindowPlacement(ZyProfile(), kMainWindowSection, PlacementOf(*this)));
+    const std::string state = ZyProfile().GetString(kToolBarSection, "State", "");
+    if (!state.empty()) restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state)));
+
+    connect(&m_IdleTimer, &QTimer::timeout, this, &CMainFrame::OnIdle);
+    m_IdleTimer.start(200);
+    UpdateAllActions();
+    return true;
+}
+
+// ---- Menus, bars and actions --------------------------------------------------------------
+
+QAction* CMainFrame::MakeAction(unsigned id, const char* text, const char* prompt,
+                                const char* shortcut, bool checkable) {
+    auto found = m_Actions.find(id);
+    if (found != m_Actions.end()) return found->second;
+    auto* action = new QAction(QString::fromUtf8(text), this);
+    action->setData(id);
+    action->setIcon(CommandIcon(id));
+    action->setIconVisibleInMenu(false);
+    if (prompt) {
+        const QStringList parts = QString::fromUtf8(prompt).split('\n');
+        action->setStatusTip(parts.front());
+        action->setToolTip(parts.size() > 1 ? parts[1] : parts.front());
+    }
+    if (shortcut) action->setShortcut(QKeySequence(QString::fromUtf8(shortcut)));
+    action->setCheckable(checkable);
+    connect(action, &QAction::triggered, this, [this, id] { OnCommand(id); });
+    m_Actions[id] = action;
+    addAction(action); // keys work wherever the focus is in the frame
+    return action;
+}
+
+void CMainFrame::BuildMenu(QMenu* menu, const std::vector<CMenuItem>& items) {
+    for (const CMenuItem& item : items) {
+        switch (item.kind) {
+        case CMenuItem::Separator:
+            menu->addSeparator();
+            break;
+        case CMenuItem::Section:
+            menu->addSection(QString::fromUtf8(item.text));
+            break;
+        case CMenuItem::Submenu: {
+            QMenu* sub = menu->addMenu(QString::fromUtf8(item.text));
+            if (item.children.empty() && QString(item.text).contains("Toolbars"))
+                m_ToolbarsMenu = sub;
+            BuildMenu(sub, item.children);
+            break;
+        }
+        case CMenuItem::RecentFiles:
+            for (unsigned id = FileMru1; id <= FileMru4; ++id) {
+                QAction* recent = MakeAction(id, "", nullptr, nullptr, false);
+                recent->setVisible(false);
+                menu->addAction(recent);
+            }
+            break;
+        case CMenuItem::Item:
+            menu->addAction(
+                MakeAction(item.id, item.text, item.prompt, item.shortcut, item.checkable));
+            break;
+        }
+    }
+    connect(menu, &QMenu::aboutToShow, this, [this, menu] {
+        for (QAction* action : menu->actions())
+            if (!action->menu() && !action->isSeparator()) UpdateAction(action);
+    });
+}
+
+void CMainFrame::BuildMenus() {
+    for (const CMenuItem& top : MainMenuTable()) {
+        QMenu* menu = menuBar()->addMenu(QString::fromUtf8(top.text));
+        menu->setObjectName(QString::fromUtf8(top.text).remove('&'));
+        BuildMenu(menu, top.children);
+    }
+}
+
+void CMainFrame::BuildExtraActions() {
+    for (const CExtraAction& extra : ExtraActionTable())
+        MakeAction(extra.id, extra.text, extra.prompt, nullptr, extra.checkable);
+    for (const CKeyBinding& key : ExtraKeyTable()) {
+        // A key of its own for an existing item: a separate action, so that
+        // the item keeps its own label (the channel keys differ from theirs).
+        auto* shortcut = new QAction(this);
+        shortcut->setShortcut(QKeySequence(QString::fromUtf8(key.key)));
+        const unsigned id = key.id;
+        connect(shortcut, &QAction::triggered, this, [this, id] { OnCommand(id); });
+        addAction(shortcut);
+        if (!m_Actions.count(id)) MakeAction(id, key.key, nullptr, nullptr, false);
+    }
+}
+
+void CMainFrame::BuildToolbars() {
+    for (const CToolbarSpec& spec : ToolbarTable()) {
+        QToolBar* bar = addToolBar(QString::fromUtf8(spec.title));
+        bar->setObjectName(spec.name);
+        bar->setIconSize(QSize(16, 16));
+        for (unsigned id : spec.ids) {
+            if (!id) {
+                bar->addSeparator();
+                continue;
+            }
+            if (QAction* action = Action(id)) bar->addAction(action);
+        }
+        m_Toolbars.push_back(bar);
+        if (m_ToolbarsMenu) m_ToolbarsMenu->addAction(bar->toggleViewAction());
+    }
+    if (m_ToolbarsMenu) {
+        m_ToolbarsMenu->addSeparator();
+        QAction* status = m_ToolbarsMenu->addAction("&Status Bar");
+        status->setCheckable(true);
+        status->setChecked(true);
+        connect(status, &QAction::toggled, this, [this](bool on) { statusBar()->setVisible(on); });
+        m_ToolbarsMenu->addAction(m_Output->toggleViewAction());
+    }
+}
+
+void CMainFrame::BuildStatusBar() {
+    QStatusBar* bar = statusBar();
+    m_Panes[IndexPane] = makePane("999/999 (index 999)");
+    m_Panes[SizePane] = makePane("999KB");
+    m_Panes[PositionPane] = makePane("-9999,-9999");
+    m_Panes[ZoomPane] = makePane("16:1");
+    for (QLabel* pane : m_Panes) bar->addPermanentWidget(pane);
+    bar->showMessage("Ready");
+}
+
+QAction* CMainFrame::Action(unsigned id) const {
+    auto it = m_Actions.find(id);
+    return it == m_Actions.end() ? nullptr : it->second;
+}
+
+QMenu* CMainFrame::Menu(const QString& title) const {
+    for (QAction* action : menuBar()->actions())
+        if (action->menu() && action->text().remove('&') == title) return action->menu();
+    return nullptr;
+}
+
+QToolBar* CMainFrame::Toolbar(const QString& name) const {
+    for (QToolBar* bar : m_Toolbars)
+        if (bar->objectName() == name) return bar;
+    return nullptr;
+}
+
+// ---- Command route --------------------------------------------------------------------------
+
+CChildFrame* CMainFrame::ActiveChild() const {
+    if (!m_MdiArea) return nullptr;
+    QMdiSubWindow* window = m_MdiArea->activeSubWindow();
+    if (!window) window = m_MdiArea->currentSubWindow();
+    if (!window && !m_MdiArea->subWindowList().isEmpty())
+        window = m_MdiArea->subWindowList().back();
+    return window ? qobject_cast<CChildFrame*>(window->widget()) : nullptr;
+}
+
+QList<CChildFrame*> CMainFrame::Children() const {
+    QList<CChildFrame*> children;
+    if (!m_MdiArea) return children;
+    for (QMdiSubWindow* window : m_MdiArea->subWindowList())
+        if (auto* child = qobject_cast<CChildFrame*>(window->widget())) children << child;
+    return children;
+}
+
+QMdiSubWindow* CMainFrame::AddChild(CChildFrame* child) {
+    QMdiSubWindow* window = m_MdiArea->addSubWindow(child);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->resize(child->size());
+    child->show();
+    m_MdiArea->setActiveSubWindow(window);
+    OnSubWindowActivated(window);
+    return window;
+}
+
+void CMainFrame::OnCommand(unsigned id) {
+    if (CChildFrame* child = ActiveChild())
+        if (child->OnCmdMsg(id)) {
+            UpdateAllActions();
+            return;
+        }
+    m_App->OnCmdMsg(id);
+    UpdateAllActions();
+}
+
+void CMainFrame::UpdateAction(QAction* action) {
+    bool ok = false;
+    const unsigned id = action->data().toUInt(&ok);
+    if (!ok || !id) return;
+    CUiCmdUI ui(id);
+    CChildFrame* child = ActiveChild();
+    const bool handled = (child && child->OnUpdateCmdUI(ui)) || m_App->OnUpdateCmdUI(ui);
+    action->setEnabled(handled && ui.m_bEnabled);
+    if (action->isCheckable()) action->setChecked(handled && ui.m_bCheckSet && ui.m_bChecked);
+    if (handled && ui.m_bTextSet) action->setText(QString::fromStdString(ui.m_strText));
+}
+
+void CMainFrame::UpdateAllActions() {
+    for (auto& [id, action] : m_Actions) UpdateAction(action);
+}
+
+void CMainFrame::UpdatePanes() {
+    CChildFrame* child = ActiveChild();
+    auto set = [this](Pane pane, const std::string& text) {
+        const QString value = QString::fromStdString(text);
+        if (m_Panes[pane]->text() != value) m_Panes[pane]->setText(value);
+    };
+    set(IndexPane, child ? child->ListView()->IndexPaneText() : "");
+    set(SizePane, child ? child->ListView()->SizePaneText() : "");
+    set(PositionPane, child ? child->ImageView()->PositionPaneText() : "");
+    set(ZoomPane, child ? child->ImageView()->ZoomPaneText() : "");
+}
+
+void CMainFrame::OnIdle() {
+    if (!isEnabled() || !menuBar()->isEnabled()) return;
+    // Toolbar buttons show their state without a menu being opened.
+    for (QToolBar* bar : m_Toolbars)
+        if (bar->isVisible())
+            for (QAction* action : bar->actions())
+                if (!action->isSeparator()) UpdateAction(action);
+    UpdatePanes();
+    if (CChildFrame* child = ActiveChild()) child->RefreshTitle();
+}
+
+void CMainFrame::OnSubWindowActivated(QMdiSubWindow* window) {
+    for (CChildFrame* child : Children())
+        child->SetFrameActive(window && window->widget() == child);
+    UpdatePanes();
+}
+
+void CMainFrame::SetRecentFiles(const QStringList& paths) {
+    for (unsigned i = 0; i < 4; ++i) {
+        QAction* action = Action(FileMru1 + i);
+        if (!action) continue;
+        const bool used = static_cast<int>(i) < paths.size();
+        action->setVisible(used);
+        if (used)
+            action->setText(QString("&%1 %2").arg(i + 1).arg(QFileInfo(paths[static_cast<int>(i)]).fileName()));
+    }
+}
+
+void CMainFrame::SetInputEnabled(bool enabled) {
+    menuBar()->setEnabled(enabled);
+    for (QToolBar* bar : m_Toolbars) bar->setEnabled(enabled);
+    if (m_MdiArea) m_MdiArea->setEnabled(enabled);
+}
+
+// ---- Closing -------------------------------------------------------------------------------------
+
+void CMainFrame::SaveFrameState() {
+    ZyProfile().WriteString(kToolBarSection, "State", saveState().toBase64().toStdString());
+    WriteWindowPlacement(ZyProfile(), kMainWindowSection, PlacementOf(*this));
+}
+
+void CMainFrame::closeEvent(QCloseEvent* event) {
+    if (!m_App->CloseAllDocuments()) {
+        event->ignore();
+        return;
+    }
+    m_IdleTimer.stop();
+    SaveFrameState();
+    m_Output->close();
+    event->accept();
+}
