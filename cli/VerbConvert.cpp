@@ -58,10 +58,14 @@ int runConvert(const Args& args) {
     std::vector<TavixFrame> frames = readAll(inputs);
     if (frames.empty()) throw ToolError("the input holds no images");
     TavixAbout about = driverAbout(driver);
-    if (frames.size() > 1 && !(about.caps & kCapMultiImage))
-        throw ToolError(std::string("the ") + about.shortname + " format holds one image per file; use 'zytool export' to write each frame to its own file");
+    std::vector<bool> chosen = selectedFrames(args, frames);
     std::vector<const TavixFrame*> list;
-    for (const TavixFrame& frame : frames) list.push_back(&frame);
+    for (size_t i = 0; i < frames.size(); ++i)
+        if (chosen[i]) list.push_back(&frames[i]);
+    if (list.empty()) throw ToolError("the selection holds no frames");
+    if (list.size() > 1 && !(about.caps & kCapMultiImage))
+        throw ToolError(std::string("the ") + about.shortname +
+                        " format holds one image per file; use 'zytool export' to write each frame to its own file");
     writeOrThrow(output, driver, list);
     return 0;
 }
@@ -74,9 +78,11 @@ int runExport(const Args& args) {
     TavixAbout about = driverAbout(driver);
     std::string extension = about.extensions[0][0] ? std::string(about.extensions[0], strnlen(about.extensions[0], 8)) : "";
     TavixReadResult file = readFileOrThrow(args.positional[0]);
+    std::vector<bool> chosen = selectedFrames(args, file.frames);
     mkdir(folder.c_str(), 0777);
     std::set<std::string> used;
     for (size_t i = 0; i < file.frames.size(); ++i) {
+        if (!chosen[i]) continue;
         std::string name = fileNameFor(*file.frames[i].info, static_cast<int>(i));
         for (int n = 1; !used.insert(name).second; ++n) name = fileNameFor(*file.frames[i].info, static_cast<int>(i)) + "_" + std::to_string(n);
         writeOrThrow(folder + "/" + name + extension, driver, {&file.frames[i]});

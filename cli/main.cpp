@@ -19,10 +19,17 @@ struct Verb {
 const Verb kVerbs[] = {
     {"formats", "formats                         list the codec library's drivers", zytool::runFormats},
     {"info", "info FILE                       list the frames of a file", zytool::runInfo},
-    {"convert", "convert IN... OUT [--format NAME]  write every frame of the inputs to OUT",
+    {"convert", "convert IN... OUT [--format NAME] [--select EXPR]\n"
+                "                                  write every frame of the inputs to OUT",
      zytool::runConvert},
-    {"export", "export IN DIR [--format NAME]   write each frame to its own file in DIR",
+    {"export", "export IN DIR [--format NAME] [--select EXPR]\n"
+               "                                  write each frame to its own file in DIR",
      zytool::runExport},
+    {"select", "select EXPR FILE                print the indices of the frames EXPR selects",
+     zytool::runSelect},
+    {"run", "run MODULE [values...] IN OUT [--select EXPR] [--format NAME]\n"
+            "                                  apply an image module to the frames of IN",
+     zytool::runRun},
     {"modules", "modules                         list the image modules and their parameters",
      zytool::runModules},
 };

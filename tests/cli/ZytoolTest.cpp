@@ -167,4 +167,64 @@ TEST_F(Zytool, ConvertRoundTripsPixelsThroughEveryRasterFormat) {
     }
 }
 
+TEST_F(Zytool, SelectPrintsTheChosenIndicesOnly) {
+    std::vector<TavixFrame> frames;
+    for (const char* name : {"walk1", "walk2", "walk10", "idle", "jump"}) frames.push_back(makeFrame(2, 2, 32, name));
+    std::string path = writeFrames("five.tvx", std::move(frames));
+    struct Case {
+        const char* expression;
+        const char* expected;
+    } cases[] = {{"1..3", "1 2 3\n"}, {"walk*", "0 1 2\n"}, {"!2,4", "0 1 3\n"}, {"''", "0 1 2 3 4\n"},
+                 {"0..4+=2", "0 2 4\n"}};
+    for (const Case& c : cases) {
+        ToolRun run = zytool(std::string("select '") + c.expression + "' " + path, m_folder);
+        EXPECT_EQ(run.status, 0) << c.expression << run.err;
+        EXPECT_EQ(run.out, c.expected) << c.expression;
+    }
+    ToolRun bad = zytool("select 0..9 " + path, m_folder);
+    EXPECT_NE(bad.status, 0);
+    EXPECT_EQ(bad.out, "");
+    EXPECT_EQ(bad.err, "zytool: Invalid range.\n");
+}
+
+TEST_F(Zytool, RunAppliesAModuleToTheSelectedFramesOnly) {
+    std::vector<TavixFrame> frames;
+    frames.push_back(makeFrame(4, 3, 32, "a"));
+    frames.push_back(makeFrame(4, 3, 32, "b"));
+    std::string in = writeFrames("two.tvx", std::move(frames));
+    std::string out = (m_folder / "flipped.tvx").string();
+    ToolRun run = zytool("run Flip Horizontal " + in + " " + out + " --select b", m_folder);
+    ASSERT_EQ(run.status, 0) << run.err;
+    TavixReadResult back = TavixReadFile(out);
+    ASSERT_EQ(back.frames.size(), 2u);
+    const std::vector<uint32_t> original = argbPixels(makeFrame(4, 3, 32));
+    EXPECT_EQ(argbPixels(back.frames[0]), original) << "frame a was not selected";
+    std::vector<uint32_t> mirrored = argbPixels(back.frames[1]);
+    for (int y = 0; y < 3; ++y)
+        for (int x = 0; x < 4; ++x) EXPECT_EQ(mirrored[y * 4 + x], original[y * 4 + 3 - x]);
+
+    ToolRun unknown = zytool("run NoSuchModule " + in + " " + out, m_folder);
+    EXPECT_NE(unknown.status, 0);
+    EXPECT_NE(unknown.err.find("no module is named"), std::string::npos);
+    ToolRun badValue = zytool("run Flip Sideways " + in + " " + out, m_folder);
+    EXPECT_NE(badValue.status, 0);
+    EXPECT_NE(badValue.err.find("Direction"), std::string::npos) << badValue.err;
+}
+
+TEST_F(Zytool, ConvertAndExportHonourTheSelection) {
+    std::string in = writeFrames("two.tvx", twoFrames());
+    std::string out = (m_folder / "one.tga").string();
+    ToolRun run = zytool("convert " + in + " " + out + " --select 1", m_folder);
+    ASSERT_EQ(run.status, 0) << run.err << " (one selected frame fits a single-image format)";
+    EXPECT_EQ(TavixReadFile(out).frames.at(0).info->width, 5);
+    std::string folder = (m_folder / "ex").string();
+    run = zytool("export " + in + " " + folder + " --format tvx --select hero", m_folder);
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(std::filesystem::exists(folder + "/hero.tvx"));
+    EXPECT_FALSE(std::filesystem::exists(folder + "/0001.tvx"));
+    run = zytool("export " + in + " " + (m_folder / "never").string() + " --select 7", m_folder);
+    EXPECT_NE(run.status, 0);
+    EXPECT_FALSE(std::filesystem::exists(m_folder / "never")) << "nothing is made for an invalid range";
+}
+
 } // namespace

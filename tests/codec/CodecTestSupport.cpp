@@ -25,6 +25,7 @@ TavixFrame makeFrame(int width, int height, int bufferbpp, const char* name) {
     info.height = height;
     info.bufferbpp = bufferbpp <= 8 ? 8 : 32;
     info.bpp = info.bufferbpp;
+    if (info.bufferbpp == 32) info.alphabits = info.redbits = info.greenbits = info.bluebits = 8;
     snprintf(info.framename, sizeof info.framename, "%s", name);
     frame.pitch = TavixRowPitch(width, info.bufferbpp);
     frame.pixels.assign(static_cast<size_t>(frame.pitch) * height, 0);
