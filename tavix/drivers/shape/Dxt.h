@@ -27,4 +27,9 @@ void decodeCmpr(const uint8_t* tiles, int width, int height, uint32_t* argb);
 Bytes encode(Kind kind, const uint32_t* argb, int width, int height, int quality);
 Bytes encodeCmpr(const uint32_t* argb, int width, int height, int quality);
 
+// Lossless moves between DXT1 raster blocks and CMPR tiles of the same
+// image (padding blocks of CMPR are dropped or written as zeros).
+Bytes dxt1ToCmpr(const uint8_t* blocks, int width, int height);
+Bytes cmprToDxt1(const uint8_t* tiles, int width, int height);
+
 } // namespace tavix::dxt

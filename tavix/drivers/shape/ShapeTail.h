@@ -92,31 +92,39 @@ inline size_t ShapeTailSummary(const TavixInfo* info, char* out, size_t capacity
     const size_t size = static_cast<size_t>(info->size) - kTavixInfoSize;
     if (!variantOf(tail, size)) return 0;
     size_t used = 0;
-    auto add = [&](const char* format, auto... args) {
-        if (used + 1 >= capacity) return;
-        int n = snprintf(out + used, capacity - used, format, args...);
-        if (n > 0) used += static_cast<size_t>(n) < capacity - used ? static_cast<size_t>(n) : capacity - used - 1;
+    auto add = [&](const char* text) {
+        const size_t n = strnlen(text, capacity - 1 - used);
+        memcpy(out + used, text, n);
+        used += n;
+        out[used] = 0;
     };
+    char piece[96];
     auto printable = [](uint8_t c) { return c >= 0x20 && c < 0x7F ? static_cast<char>(c) : '.'; };
     const char* separator = "";
     forEachItem(tail, size, [&](uint16_t tag, const uint8_t* data, size_t length) {
         if (tag == kTagFile && length >= 12) {
-            add("%sdir id \"%c%c%c%c\"", separator, printable(data[4]), printable(data[5]),
-                printable(data[6]), printable(data[7]));
+            snprintf(piece, sizeof piece, "%sdir id \"%c%c%c%c\"", separator, printable(data[4]),
+                     printable(data[5]), printable(data[6]), printable(data[7]));
+            add(piece);
             if (rd32(data + 8) & kFileWholePacked) add(", whole file RefPack");
         } else if (tag == kTagEntry && length >= 12) {
-            add("%sdir name \"%c%c%c%c\"", separator, printable(data[0]), printable(data[1]),
-                printable(data[2]), printable(data[3]));
+            snprintf(piece, sizeof piece, "%sdir name \"%c%c%c%c\"", separator, printable(data[0]),
+                     printable(data[1]), printable(data[2]), printable(data[3]));
+            add(piece);
             if (data[7] & kEntryLongName) add(", long name record");
         } else if (tag == kTagKept && length >= 1) {
-            add("%skept record 0x%02X%s (%zu bytes)", separator, data[0],
-                (data[0] & 0x7F) == 0x69 ? " metal bin" : "", length);
+            snprintf(piece, sizeof piece, "%skept record 0x%02X%s (%zu bytes)", separator, data[0],
+                     (data[0] & 0x7F) == 0x69 ? " metal bin" : "", length);
+            add(piece);
         } else if (tag == kTagPalette) {
-            add("%spalette record as read (%zu bytes)", separator, length);
+            snprintf(piece, sizeof piece, "%spalette record as read (%zu bytes)", separator, length);
+            add(piece);
         } else if (tag == kTagPixels) {
-            add("%sstored pixels (%zu bytes)", separator, length);
+            snprintf(piece, sizeof piece, "%sstored pixels (%zu bytes)", separator, length);
+            add(piece);
         } else if (tag == kTagPacked) {
-            add("%sRefPack stream as read (%zu bytes)", separator, length);
+            snprintf(piece, sizeof piece, "%sRefPack stream as read (%zu bytes)", separator, length);
+            add(piece);
         } else {
             return;
         }

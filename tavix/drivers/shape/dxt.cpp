@@ -86,7 +86,7 @@ int squishFlags(Kind kind, int quality) {
 
 // GameCube CMPR keeps one byte of indices per row, leftmost texel in the
 // top bits, and big-endian colours; otherwise it is a DXT1 block.
-void cmprToDxt1(const uint8_t* gc, uint8_t* pc) {
+void cmprBlockToDxt1(const uint8_t* gc, uint8_t* pc) {
     pc[0] = gc[1];
     pc[1] = gc[0];
     pc[2] = gc[3];
@@ -98,7 +98,7 @@ void cmprToDxt1(const uint8_t* gc, uint8_t* pc) {
     }
 }
 
-void dxt1ToCmpr(const uint8_t* pc, uint8_t* gc) {
+void dxt1BlockToCmpr(const uint8_t* pc, uint8_t* gc) {
     gc[0] = pc[1];
     gc[1] = pc[0];
     gc[2] = pc[3];
@@ -149,7 +149,7 @@ void decodeCmpr(const uint8_t* tiles, int width, int height, uint32_t* argb) {
         for (int tx = 0; tx < tilesAcross; ++tx)
             for (int sub = 0; sub < 4; ++sub) {
                 const uint8_t* gc = tiles + ((static_cast<size_t>(ty) * tilesAcross + tx) * 4 + sub) * 8;
-                cmprToDxt1(gc, block);
+                cmprBlockToDxt1(gc, block);
                 colourBlock(block, true, texels);
                 storeBlock(texels, tx * 2 + (sub & 1), ty * 2 + (sub >> 1), width, height, argb);
             }
@@ -173,18 +173,34 @@ Bytes encode(Kind kind, const uint32_t* argb, int width, int height, int quality
 
 Bytes encodeCmpr(const uint32_t* argb, int width, int height, int quality) {
     Bytes raster = encode(Kind::Dxt1, argb, width, height, quality);
+    return dxt1ToCmpr(raster.data(), width, height);
+}
+
+namespace {
+// Calls fn(raster block offset, tile block offset) for every DXT1 block
+// of the image.
+template <typename Fn> void pairBlocks(int width, int height, Fn fn) {
     const int across = static_cast<int>(blocksAcross(width));
     const int down = static_cast<int>(blocksAcross(height));
-    const int tilesAcross = (width + 7) / 8, tilesDown = (height + 7) / 8;
+    const int tilesAcross = (width + 7) / 8;
+    for (int by = 0; by < down; ++by)
+        for (int bx = 0; bx < across; ++bx) {
+            const size_t tile = static_cast<size_t>(by / 2) * tilesAcross + bx / 2;
+            const int sub = (by % 2) * 2 + bx % 2;
+            fn((static_cast<size_t>(by) * across + bx) * 8, (tile * 4 + sub) * 8);
+        }
+}
+} // namespace
+
+Bytes dxt1ToCmpr(const uint8_t* blocks, int width, int height) {
     Bytes out(cmprByteSize(width, height), 0);
-    for (int ty = 0; ty < tilesDown; ++ty)
-        for (int tx = 0; tx < tilesAcross; ++tx)
-            for (int sub = 0; sub < 4; ++sub) {
-                int bx = tx * 2 + (sub & 1), by = ty * 2 + (sub >> 1);
-                if (bx >= across || by >= down) continue; // padding stays zero
-                uint8_t* gc = &out[((static_cast<size_t>(ty) * tilesAcross + tx) * 4 + sub) * 8];
-                dxt1ToCmpr(&raster[(static_cast<size_t>(by) * across + bx) * 8], gc);
-            }
+    pairBlocks(width, height, [&](size_t pc, size_t gc) { dxt1BlockToCmpr(blocks + pc, &out[gc]); });
+    return out;
+}
+
+Bytes cmprToDxt1(const uint8_t* tiles, int width, int height) {
+    Bytes out(byteSize(Kind::Dxt1, width, height), 0);
+    pairBlocks(width, height, [&](size_t pc, size_t gc) { cmprBlockToDxt1(tiles + gc, &out[pc]); });
     return out;
 }
 

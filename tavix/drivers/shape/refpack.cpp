@@ -120,13 +120,21 @@ void checkPlausible(std::span<const uint8_t> data, const Header& header, size_t 
 
 // ---------------------------------------------------------------- encoder
 
-constexpr int kHashBits = 16;
+constexpr int kMaxHashBits = 16;
 constexpr int kMaxChain = 48;
 constexpr size_t kNiceLength = 256;
 
-uint32_t hash3(const uint8_t* p) {
+uint32_t hash3(const uint8_t* p, int bits) {
     uint32_t v = static_cast<uint32_t>(p[0]) << 16 | p[1] << 8 | p[2];
-    return (v * 2654435761u) >> (32 - kHashBits);
+    return (v * 2654435761u) >> (32 - bits);
+}
+
+// Small inputs get a small table: clearing 64K heads per call would cost
+// more than compressing a few hundred bytes.
+int hashBitsFor(size_t size) {
+    int bits = 10;
+    while (bits < kMaxHashBits && (size_t{1} << bits) < size) ++bits;
+    return bits;
 }
 
 // Bytes a copy command of this length and distance takes; 0 = impossible.
@@ -149,7 +157,8 @@ struct Match {
 class Encoder {
   public:
     Encoder(std::span<const uint8_t> data, Bytes& out)
-        : m_in(data.data()), m_size(data.size()), m_out(out), m_head(size_t{1} << kHashBits, -1),
+        : m_in(data.data()), m_size(data.size()), m_out(out), m_bits(hashBitsFor(m_size)),
+          m_head(size_t{1} << m_bits, -1),
           m_prev(std::min(kWindow, std::max<size_t>(m_size, 1)), -1) {}
 
     void run() {
@@ -181,16 +190,16 @@ class Encoder {
   private:
     void insert(size_t pos) {
         if (pos + 3 > m_size) return;
-        uint32_t h = hash3(m_in + pos);
+        uint32_t h = hash3(m_in + pos, m_bits);
         m_prev[pos % m_prev.size()] = m_head[h];
-        m_head[h] = static_cast<int64_t>(pos);
+        m_head[h] = static_cast<int32_t>(pos);
     }
 
     Match best(size_t pos) const {
         Match found;
         if (pos + 3 > m_size) return found;
         const size_t limit = std::min(kMaxCopy, m_size - pos);
-        int64_t candidate = m_head[hash3(m_in + pos)];
+        int32_t candidate = m_head[hash3(m_in + pos, m_bits)];
         for (int chain = 0; candidate >= 0 && chain < kMaxChain; ++chain) {
             size_t distance = pos - static_cast<size_t>(candidate);
             if (distance > kWindow || distance == 0) break;
@@ -203,7 +212,7 @@ class Encoder {
                 if (m.saving() > found.saving()) found = m;
                 if (n >= kNiceLength || n == limit) break;
             }
-            int64_t older = m_prev[static_cast<size_t>(candidate) % m_prev.size()];
+            int32_t older = m_prev[static_cast<size_t>(candidate) % m_prev.size()];
             if (older >= candidate) break; // the ring slot was reused
             candidate = older;
         }
@@ -248,8 +257,9 @@ class Encoder {
     const uint8_t* m_in;
     size_t m_size;
     Bytes& m_out;
-    HostVector<int64_t> m_head;
-    HostVector<int64_t> m_prev;
+    int m_bits;
+    HostVector<int32_t> m_head; // positions fit: the host counts sizes in 31 bits
+    HostVector<int32_t> m_prev;
 };
 
 } // namespace

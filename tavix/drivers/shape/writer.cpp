@@ -7,6 +7,7 @@
 // back byte for byte.
 
 #include "tavix/core/Errors.h"
+#include "tavix/drivers/shape/Dxt.h"
 #include "tavix/drivers/shape/RefPack.h"
 #include "tavix/drivers/shape/Shape.h"
 
@@ -109,6 +110,7 @@ class ShapeWriter : public FrameWriter {
     void writeEntry(const Plan& plan, Bytes& out);
     void bitmapRecord(const Plan& plan, Piece& piece);
     Bytes pixels(const Plan& plan);
+    Bytes keptPixels(const Pending& f, Layout layout) const;
     bool localPalette(const Plan& plan, Piece& piece);
     void paletteRecord(const Pending& f, const TavixColour* colours, int count, uint8_t preferred, Piece& piece);
     void attachments(const Pending& f, bool withPalette, Piece& palette, HostVector<Piece>& pieces);
@@ -222,18 +224,39 @@ int32_t ShapeWriter::clamp(int32_t value, int32_t top, bool& reported, const cha
     return value < 0 ? 0 : top;
 }
 
+// The stored pixels a frame's tail kept, in the layout this plan writes:
+// as they are, or moved between DXT1 blocks and CMPR tiles. Empty when
+// there are none or they are of another layout.
+Bytes ShapeWriter::keptPixels(const Pending& f, Layout layout) const {
+    const TailData& t = f.tail;
+    const Variant* from = variantOf(t.variant);
+    const BitmapFormat* format = from ? findBitmap(*from, t.recordId & 0x7F) : nullptr;
+    if (!format || t.pixels.empty()) return {};
+    const int32_t w = f.picture.width, h = f.picture.height;
+    if (format->layout == Layout::Dxt1 && layout == Layout::GcCmpr && t.pixels.size() == levelBytes(format->layout, w, h))
+        return dxt::dxt1ToCmpr(t.pixels.data(), w, h);
+    if (format->layout == Layout::GcCmpr && layout == Layout::Dxt1 && t.pixels.size() == levelBytes(format->layout, w, h))
+        return dxt::cmprToDxt1(t.pixels.data(), w, h);
+    return Bytes(t.pixels.begin(), t.pixels.end());
+}
+
+// Each level is either the stored pixels a tail kept (when they decode,
+// the way this file will be read, to exactly the frame's pixels: that
+// keeps block-compressed levels from losing quality on every save) or
+// freshly encoded.
 Bytes ShapeWriter::pixels(const Plan& plan) {
     Bytes raw;
     const int quality = frame(plan.base).info.quality;
     for (size_t level = 0; level <= plan.levels.size(); ++level) {
         const Pending& f = frame(level ? plan.levels[level - 1] : plan.base);
         const size_t size = levelBytes(plan.layout, f.picture.width, f.picture.height);
+        Bytes kept = keptPixels(f, plan.layout);
         bool reused = false;
-        if (f.sameVariant && f.tail.pixels.size() == size && (f.tail.recordId & 0x7F) == plan.id) {
+        if (kept.size() == size) {
             Picture stored;
-            decodeLevel(m_variant, plan.layout, f.tail.pixels.data(), f.picture.width, f.picture.height, stored);
+            decodeLevel(m_variant, plan.layout, kept.data(), f.picture.width, f.picture.height, stored);
             if (sameLevel(stored, f.picture)) {
-                raw.insert(raw.end(), f.tail.pixels.begin(), f.tail.pixels.end());
+                raw.insert(raw.end(), kept.begin(), kept.end());
                 reused = true;
             }
         }
@@ -262,7 +285,9 @@ void ShapeWriter::bitmapRecord(const Plan& plan, Piece& piece) {
         out.insert(out.end(), raw.begin(), raw.end());
         return;
     }
-    const ByteSpan kept = f.sameVariant && f.tail.recordId == (plan.id | kRecPacked) ? f.tail.packed : ByteSpan{};
+    // The stream as read is kept when it still unpacks to exactly these
+    // pixels: our compressor would find other (not worse) matches.
+    const ByteSpan kept = f.tail.level == 0 ? f.tail.packed : ByteSpan{};
     if (!kept.empty()) {
         try {
             refpack::Decoded d = refpack::decode(kept, raw.size() + kPackedSlack);
@@ -281,7 +306,7 @@ void ShapeWriter::bitmapRecord(const Plan& plan, Piece& piece) {
 void ShapeWriter::paletteRecord(const Pending& f, const TavixColour* colours, int count, uint8_t preferred,
                                 Piece& piece) {
     Bytes& out = piece.bytes;
-    if (f.sameVariant && f.tail.palette.size() >= 16) {
+    if (f.tail.palette.size() >= 16) {
         const ByteSpan raw = f.tail.palette;
         const PaletteFormat* format = findPalette(m_variant, raw[0]);
         const int stored = static_cast<int>(get16(raw.data() + 4, big()));
