@@ -169,7 +169,7 @@ void filterRows(const Column* cols, const Contributions& cx, const Transparency&
         const int32_t* index = cx.index + cx.first[x];
         const float* weight = cx.weight + cx.first[x];
         int32_t n = cx.first[x + 1] - cx.first[x];
-        for (int32_t t = 0; t < n; ++t) {
+        auto tap = [&](int32_t t) {
             const Column& c = cols[index[t]];
             v4f w = splat(weight[t]);
             a0 += w * c.px[0];
@@ -177,7 +177,17 @@ void filterRows(const Column* cols, const Contributions& cx, const Transparency&
             a2 += w * c.px[2];
             a3 += w * c.px[3];
             if constexpr (Respect) used += w * c.opaque;
+        };
+        // Unrolled by four taps, then the rest; the sums still run in list order.
+        int32_t t = 0;
+        for (; t + 4 <= n; t += 4) {
+            tap(t);
+            tap(t + 1);
+            tap(t + 2);
+            tap(t + 3);
         }
+        for (; t < n; ++t)
+            tap(t);
         const v4f sums[4] = {a0, a1, a2, a3};
         for (int32_t k = 0; k < rows; ++k) {
             uint32_t p;
@@ -228,7 +238,7 @@ void filterColumns(const uint8_t* const* rowp, const float* weight, int32_t n, f
     int32_t x = 0;
     for (; x + 4 <= width; x += 4) {
         v4f a0 = splat(0.0f), a1 = a0, a2 = a0, a3 = a0, used = a0;
-        for (int32_t t = 0; t < n; ++t) {
+        auto tap = [&](int32_t t) {
             v4f px[4], opaque;
             toFloat4<kSkip>(rowp[t] + 4 * x, tr, px, &opaque);
             v4f w = splat(weight[t]);
@@ -237,7 +247,16 @@ void filterColumns(const uint8_t* const* rowp, const float* weight, int32_t n, f
             a2 += w * px[2];
             a3 += w * px[3];
             if constexpr (kSkip) used += w * opaque;
+        };
+        int32_t t = 0;
+        for (; t + 4 <= n; t += 4) {
+            tap(t);
+            tap(t + 1);
+            tap(t + 2);
+            tap(t + 3);
         }
+        for (; t < n; ++t)
+            tap(t);
         store32(out + 4 * x, finish<M>(a0, used[0], weightSum, tr));
         store32(out + 4 * x + 4, finish<M>(a1, used[1], weightSum, tr));
         store32(out + 4 * x + 8, finish<M>(a2, used[2], weightSum, tr));
