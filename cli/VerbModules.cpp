@@ -24,6 +24,7 @@ std::string valueText(const ModuleParam& param, const ModuleValue& value) {
 }
 
 const char* typeText(uint32_t type) {
+    if (type & kParamTextHint) return "text";
     if ((type & 0xFF) == kParamReal) return "real";
     if (type & kParamColourHint) return "colour";
     if (type & kParamMaskHint) return "mask";
@@ -32,6 +33,10 @@ const char* typeText(uint32_t type) {
 }
 
 void printParam(int index, const ModuleParam& param) {
+    if (param.type & kParamTextHint) {
+        printf("      %2d %-24.32s text\n", index, param.name);
+        return;
+    }
     printf("      %2d %-24.32s %-7s %s..%s default %s", index, param.name, typeText(param.type),
            valueText(param, param.minimum).c_str(), valueText(param, param.maximum).c_str(),
            valueText(param, param.defaultValue).c_str());

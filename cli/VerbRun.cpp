@@ -26,12 +26,16 @@ int moduleByName(const std::string& name, GPtr<ModuleDescriptor>& descriptor) {
     return index;
 }
 
+// Text parameters (expressions) travel as the address of the caller's text:
+// `texts` must outlive the module run.
 std::vector<ModuleValue> valuesFrom(const std::vector<std::string>& texts, const ModuleDescriptor& descriptor) {
     std::vector<ModuleValue> values;
     for (size_t i = 0; i < texts.size(); ++i) {
         const ModuleParam* param = i < descriptor.paramCount ? &descriptor.params[i] : nullptr;
         ModuleValue value{};
-        if (!module_value_from_text(param, texts[i].c_str(), &value))
+        if (param && (param->type & kParamTextHint))
+            value = ModuleValue::ofPointer(texts[i].c_str());
+        else if (!module_value_from_text(param, texts[i].c_str(), &value))
             throw ToolError("value " + std::to_string(i + 1) + " ('" + texts[i] + "') does not fit " +
                             (param ? "parameter '" + std::string(param->name) + "'" : "an extra slot"));
         values.push_back(value);
@@ -51,8 +55,8 @@ int runRun(const Args& args) {
     const std::string& output = args.positional.back();
     GPtr<ModuleDescriptor> descriptor;
     int module = moduleByName(args.positional[0], descriptor);
-    std::vector<ModuleValue> values =
-        valuesFrom({args.positional.begin() + 1, args.positional.end() - 2}, *descriptor);
+    const std::vector<std::string> texts(args.positional.begin() + 1, args.positional.end() - 2);
+    std::vector<ModuleValue> values = valuesFrom(texts, *descriptor);
     int driver = outputDriver(output, args.option("format"));
 
     TavixReadResult file = readFileOrThrow(input);

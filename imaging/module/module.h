@@ -41,6 +41,16 @@ struct ModuleValue {
         return v;
     }
     uint32_t asUint() const { return static_cast<uint32_t>(asInt()); }
+    static ModuleValue ofPointer(const void* p) {
+        ModuleValue slot{};
+        memcpy(slot.bytes, &p, sizeof p);
+        return slot;
+    }
+    const void* asPointer() const {
+        const void* p;
+        memcpy(&p, bytes, sizeof p);
+        return p;
+    }
     double asReal() const {
         double v;
         memcpy(&v, bytes, sizeof v);
@@ -61,6 +71,10 @@ enum : uint32_t {
     kParamChoice = kParamInteger | kParamListHint,                    // 0x201
     kParamMask = kParamInteger | kParamMaskHint,                      // 0x801
     kParamColour = kParamInteger | kParamMaskHint | kParamColourHint, // 0x1801
+    // The slot holds the address of a zero-terminated text (null for none),
+    // which the caller keeps alive while the module is open.
+    kParamTextHint = 0x4000,
+    kParamText = kParamInteger | kParamTextHint,
 };
 
 constexpr int kModuleMaxParams = 35;

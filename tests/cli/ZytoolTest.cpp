@@ -227,4 +227,18 @@ TEST_F(Zytool, ConvertAndExportHonourTheSelection) {
     EXPECT_FALSE(std::filesystem::exists(m_folder / "never")) << "nothing is made for an invalid range";
 }
 
+TEST_F(Zytool, RunPixelMakesRedEqualGreen) {
+    std::vector<TavixFrame> frames;
+    frames.push_back(makeFrame(6, 5, 32, "p"));
+    std::string in = writeFrames("p.tvx", std::move(frames));
+    std::string out = (m_folder / "p2.tvx").string();
+    ToolRun run = zytool("run Pixel 0 '' g " + in + " " + out, m_folder);
+    ASSERT_EQ(run.status, 0) << run.err;
+    std::vector<uint32_t> before = argbPixels(makeFrame(6, 5, 32));
+    std::vector<uint32_t> after = argbPixels(TavixReadFile(out).frames.at(0));
+    ASSERT_EQ(after.size(), before.size());
+    for (size_t i = 0; i < before.size(); ++i)
+        EXPECT_EQ(after[i], (before[i] & 0xFF00FFFFu) | ((before[i] >> 8) & 0xFF) << 16) << i;
+}
+
 } // namespace
