@@ -7,12 +7,17 @@
 #include "imaging/galloc.h"
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
 
-void check(bool condition) {
-    if (!condition) abort();
+void check(bool condition, const char* what) {
+    if (condition) return;
+#ifdef ZY_FUZZ_REPLAY
+    fprintf(stderr, "invariant broken: %s\n", what); // the fuzzer shows the input instead
+#endif
+    abort();
 }
 
 void quiet(const char*, va_list) {}
@@ -32,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     int32_t liveBefore = galloc_live_count();
 
     ExprContext* context = exprCreate();
-    check(context != nullptr);
+    check(context != nullptr, "exprCreate failed");
     exprSetRadix(context, 2 + data[0] % 35);
     exprRegisterFunction(context, "sum", sum);
     exprSetVariable(context, "x", 3);
@@ -41,20 +46,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     size_t length = size - 1;
 
     ExprProgram* program = exprCompile(context, text, length);
-    check((program != nullptr) == (exprErrorField(context) == 0));
+    check((program != nullptr) == (exprErrorField(context) == 0),
+          "program and error field disagree");
     if (program) {
         exprRun(program);
         exprRun(program); // a second run sees the variables the first one set
         exprFreeProgram(program);
     } else {
-        check(exprErrorNumber(context) != 0);
+        check(exprErrorNumber(context) != 0, "error without a number");
         check(exprErrorPosition(context) >= 0 &&
-              static_cast<size_t>(exprErrorPosition(context)) <= length);
+                  static_cast<size_t>(exprErrorPosition(context)) <= length,
+              "error position outside the text");
     }
     exprEvaluate(context, text, length);
     exprDestroy(context);
 
-    check(galloc_live_count() == liveBefore);
+    check(galloc_live_count() == liveBefore, "galloc blocks leaked");
     gsetprinthook(previous);
     return 0;
 }

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <string_view>
@@ -16,8 +17,12 @@ namespace RE = RangeExpression;
 
 namespace {
 
-void check(bool condition) {
-    if (!condition) abort();
+void check(bool condition, const char* what) {
+    if (condition) return;
+#ifdef ZY_FUZZ_REPLAY
+    fprintf(stderr, "invariant broken: %s\n", what); // the fuzzer shows the input instead
+#endif
+    abort();
 }
 
 std::vector<std::string> splitLines(std::string_view text) {
@@ -37,15 +42,16 @@ void checkNumericView(std::string_view expression, int32_t low, int32_t high) {
     int64_t previous = int64_t{low} - 1;
     for (auto v = RE::Next(expression, low, high, previous, RE::Direction::Up); v;
          v = RE::Next(expression, low, high, *v, RE::Direction::Up)) {
-        check(*v > previous && *v >= low && *v <= high);
+        check(*v > previous && *v >= low && *v <= high, "Next went backwards or out of bounds");
         previous = *v;
         ++walked;
     }
-    check(walked == RE::CountValues(expression, low, high));
+    check(walked == RE::CountValues(expression, low, high), "Next walk and CountValues disagree");
     auto lowest = RE::Lowest(expression, low, high);
     auto highest = RE::Highest(expression, low, high);
-    check(lowest.has_value() == (walked > 0) && highest.has_value() == (walked > 0));
-    if (walked) check(*lowest <= *highest);
+    check(lowest.has_value() == (walked > 0) && highest.has_value() == (walked > 0),
+          "Lowest/Highest and the walk disagree");
+    if (walked) check(*lowest <= *highest, "Lowest above Highest");
 }
 
 } // namespace
@@ -63,20 +69,21 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     auto selected = RE::SelectIndices(expression, names);
     bool valid = RE::Validate(expression, 0, static_cast<int32_t>(names.size()) - 1);
-    check(selected.has_value() == valid);
+    check(selected.has_value() == valid, "SelectIndices and Validate disagree");
     if (selected) {
         size_t k = 0;
         for (size_t i = 0; i < names.size(); ++i) {
             bool hit = RE::Match(expression, names[i], static_cast<int32_t>(i));
             bool listed = k < selected->size() && (*selected)[k] == static_cast<int32_t>(i);
-            check(hit == listed);
+            check(hit == listed, "SelectIndices and Match disagree");
             if (listed) ++k;
         }
-        check(k == selected->size());
+        check(k == selected->size(), "SelectIndices listed extra indices");
     }
     for (const std::string& name : names) {
         int order = RE::CompareNames(expression, name);
-        check((order == 0) == RE::NameMatches(expression, name));
+        check((order == 0) == RE::NameMatches(expression, name),
+              "CompareNames and NameMatches disagree");
     }
     checkNumericView(expression, low, high);
     return 0;
