@@ -57,8 +57,8 @@ struct BmpLayout {
 };
 
 bool knownHeaderSize(uint32_t size) {
-    return size == kCoreHeader || size == kInfoHeader || size == 52 || size == 56 || size == kV4Header ||
-           size == kV5Header;
+    return size == kCoreHeader || size == kInfoHeader || size == 52 || size == 56 ||
+           size == kV4Header || size == kV5Header;
 }
 
 bool contiguous(uint32_t mask) {
@@ -84,12 +84,14 @@ void checkDepthAndCompression(const BmpLayout& b) {
         return;
     case kRle8:
     case kRle4:
-        if (b.bpp != (b.compression == kRle8 ? 8 : 4)) fail("the bitmap's packing does not fit its %u-bit depth", b.bpp);
+        if (b.bpp != (b.compression == kRle8 ? 8 : 4))
+            fail("the bitmap's packing does not fit its %u-bit depth", b.bpp);
         if (b.topDown) fail("a packed bitmap cannot be stored top-down");
         return;
     case kBitFields:
     case kAlphaBitFields:
-        if (b.bpp != 16 && b.bpp != 32) fail("colour masks need a 16 or 32-bit bitmap, not %u-bit", b.bpp);
+        if (b.bpp != 16 && b.bpp != 32)
+            fail("colour masks need a 16 or 32-bit bitmap, not %u-bit", b.bpp);
         for (uint32_t mask : b.masks)
             if (!contiguous(mask) || (b.bpp == 16 && mask > 0xFFFF))
                 fail("colour mask 0x%08X is not usable", mask);
@@ -117,7 +119,8 @@ void readInfoHeader(ByteReader& in, BmpLayout& b) {
     if (b.headerSize >= 52 || masks) {
         // The masks follow a 40-byte header, or are part of a longer one.
         int count = b.headerSize >= 56 || b.compression == kAlphaBitFields ? 4 : 3;
-        for (int i = 0; i < count; ++i) b.masks[i] = in.u32le();
+        for (int i = 0; i < count; ++i)
+            b.masks[i] = in.u32le();
     }
     if (!masks) defaultMasks(b);
     in.seek(kFileHeaderBytes + b.headerSize);
@@ -130,7 +133,8 @@ BmpLayout parseLayout(ByteReader& in) {
     in.skip(8); // file size and reserved words: many writers get them wrong
     b.dataOffset = in.u32le();
     b.headerSize = in.u32le();
-    if (!knownHeaderSize(b.headerSize)) fail("bitmap header size %u is not supported", b.headerSize);
+    if (!knownHeaderSize(b.headerSize))
+        fail("bitmap header size %u is not supported", b.headerSize);
     if (b.headerSize == kCoreHeader) {
         b.width = in.u16le();
         b.height = in.u16le();
@@ -141,14 +145,16 @@ BmpLayout parseLayout(ByteReader& in) {
     } else {
         readInfoHeader(in, b);
     }
-    if (b.width <= 0 || b.height <= 0) fail("the bitmap size %d x %d is not valid", b.width, b.height);
+    if (b.width <= 0 || b.height <= 0)
+        fail("the bitmap size %d x %d is not valid", b.width, b.height);
     checkDepthAndCompression(b);
     b.paletteOffset = in.pos();
     if (b.dataOffset < b.paletteOffset || b.dataOffset > in.size())
         fail("the bitmap's pixel data offset %u is outside the file", b.dataOffset);
     if (b.indexed()) {
         uint32_t wanted = b.coloursUsed ? b.coloursUsed : 1u << b.bpp;
-        if (wanted > (1u << b.bpp)) fail("the bitmap claims %u colours for a %u-bit depth", wanted, b.bpp);
+        if (wanted > (1u << b.bpp))
+            fail("the bitmap claims %u colours for a %u-bit depth", wanted, b.bpp);
         size_t room = (b.dataOffset - b.paletteOffset) / b.paletteEntryBytes;
         b.paletteCount = static_cast<int>(std::min<size_t>(wanted, room));
         if (b.paletteCount == 0) fail("the palette bitmap has no colour table");
@@ -216,7 +222,9 @@ class BmpReader : public FrameReader {
             info.bluebits = std::popcount(b.masks[2]);
         }
         info.alphabits = m_alphaBits;
-        if (b.pixelsPerMetre > 0) info.dpi = static_cast<float>(std::round(b.pixelsPerMetre * kMetresPerInch * 100) / 100);
+        if (b.pixelsPerMetre > 0)
+            info.dpi =
+                static_cast<float>(std::round(b.pixelsPerMetre * kMetresPerInch * 100) / 100);
     }
 
     void decode(int, Picture& out) override { out = m_picture; }
@@ -247,7 +255,8 @@ class BmpReader : public FrameReader {
             unpackRows(in);
         for (uint8_t index : m_picture.indices)
             if (index >= b.paletteCount)
-                fail("bitmap pixel index %u is beyond the %d palette entries", index, b.paletteCount);
+                fail("bitmap pixel index %u is beyond the %d palette entries", index,
+                     b.paletteCount);
     }
 
     void unpackRows(ByteReader& in) {
@@ -281,7 +290,8 @@ class BmpReader : public FrameReader {
         while (y < height && in.remaining() >= 2) {
             uint8_t count = in.u8(), value = in.u8();
             if (count > 0) {
-                for (unsigned i = 0; i < count; ++i) put(four ? (i & 1 ? value & 15 : value >> 4) : value);
+                for (unsigned i = 0; i < count; ++i)
+                    put(four ? (i & 1 ? value & 15 : value >> 4) : value);
             } else if (value == 0) {
                 x = 0, ++y;
             } else if (value == 1) {
@@ -314,7 +324,9 @@ class BmpReader : public FrameReader {
                     to[x] = packArgb(255, p[2], p[1], p[0]);
                     continue;
                 }
-                uint32_t v = bytes == 2 ? p[0] | p[1] << 8 : p[0] | p[1] << 8 | p[2] << 16 | static_cast<uint32_t>(p[3]) << 24;
+                uint32_t v =
+                    bytes == 2 ? p[0] | p[1] << 8
+                               : p[0] | p[1] << 8 | p[2] << 16 | static_cast<uint32_t>(p[3]) << 24;
                 to[x] = packArgb(b.masks[3] ? alpha(v) : 255, red(v), green(v), blue(v));
             }
         }
@@ -326,7 +338,8 @@ class BmpReader : public FrameReader {
         if (!m_layout.masks[3]) return 0;
         for (uint32_t c : m_picture.argb)
             if (c >> 24) return std::popcount(m_layout.masks[3]);
-        for (uint32_t& c : m_picture.argb) c |= 0xFF000000u;
+        for (uint32_t& c : m_picture.argb)
+            c |= 0xFF000000u;
         return 0;
     }
 
@@ -340,7 +353,8 @@ class BmpReader : public FrameReader {
 
 int paletteEntries(const Picture& picture) {
     int count = std::clamp(picture.numcolours, 0, 256);
-    for (uint8_t index : picture.indices) count = std::max(count, index + 1);
+    for (uint8_t index : picture.indices)
+        count = std::max(count, index + 1);
     return std::max(count, 1);
 }
 
@@ -350,7 +364,9 @@ class BmpWriter : public FrameWriter {
         if (m_has) fail("a bitmap file holds one image");
         m_picture = std::move(picture);
         m_keepAlpha = info.alphabits > 0;
-        m_pixelsPerMetre = info.dpi > 0 && info.dpi < 1e6f ? static_cast<int32_t>(std::lround(info.dpi / kMetresPerInch)) : 2835;
+        m_pixelsPerMetre = info.dpi > 0 && info.dpi < 1e6f
+                               ? static_cast<int32_t>(std::lround(info.dpi / kMetresPerInch))
+                               : 2835;
         m_has = true;
     }
 
@@ -383,7 +399,8 @@ class BmpWriter : public FrameWriter {
     }
 
   private:
-    void writeHeader(ByteWriter& out, uint32_t headerSize, uint16_t bpp, int entries, uint32_t imageBytes) {
+    void writeHeader(ByteWriter& out, uint32_t headerSize, uint16_t bpp, int entries,
+                     uint32_t imageBytes) {
         out.u32le(headerSize);
         out.u32le(static_cast<uint32_t>(m_picture.width));
         out.u32le(static_cast<uint32_t>(m_picture.height)); // positive: bottom-up
@@ -442,8 +459,8 @@ class BmpWriter : public FrameWriter {
 // --- the driver ------------------------------------------------------------
 
 void about(TavixAbout& about) {
-    fillAbout(about, kBmpId, "bmp", kCapRead | kCapWrite | kCapPalette | kCapTrueColour, {".bmp", ".dib"},
-              "Windows Bitmap");
+    fillAbout(about, kBmpId, "bmp", kCapRead | kCapWrite | kCapPalette | kCapTrueColour,
+              {".bmp", ".dib"}, "Windows Bitmap");
     about.colourlimit = 256;
     about.namelimit = 0; // names are not stored at all
     copyText(about.notes, sizeof about.notes,
@@ -474,11 +491,14 @@ DetectScore detect(std::span<const uint8_t> head, const char* path) {
     return hasExtension(path, ".bmp") || hasExtension(path, ".dib") ? kByName : kNotMine;
 }
 
-HostPtr<FrameReader> open(Bytes&& file) { return makeHost<BmpReader>(std::move(file)); }
+HostPtr<FrameReader> open(Bytes&& file) {
+    return makeHost<BmpReader>(std::move(file));
+}
 
 HostPtr<FrameWriter> create(int frames) {
     if (frames != 1) {
-        report("tavix: the Windows Bitmap format holds one image per file; %d were to be written\n", frames);
+        report("tavix: the Windows Bitmap format holds one image per file; %d were to be written\n",
+               frames);
         return nullptr;
     }
     return makeHost<BmpWriter>();

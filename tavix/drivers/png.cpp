@@ -119,7 +119,8 @@ void chooseTransforms(png_structp png, const PngReadJob& job) {
         png_set_packing(png);
     } else {
         if (job.bitDepth == 16) png_set_scale_16(png);
-        if (job.colourType == PNG_COLOR_TYPE_GRAY && job.bitDepth < 8) png_set_expand_gray_1_2_4_to_8(png);
+        if (job.colourType == PNG_COLOR_TYPE_GRAY && job.bitDepth < 8)
+            png_set_expand_gray_1_2_4_to_8(png);
         if (job.colourKey) png_set_tRNS_to_alpha(png);
         if (!(job.colourType & PNG_COLOR_MASK_COLOR)) png_set_gray_to_rgb(png);
         if (!(job.colourType & PNG_COLOR_MASK_ALPHA) && !job.colourKey)
@@ -131,8 +132,8 @@ void chooseTransforms(png_structp png, const PngReadJob& job) {
 
 // The only function that calls setjmp on the read side.
 bool runRead(PngReadJob& job) {
-    png_structp png = png_create_read_struct_2(PNG_LIBPNG_VER_STRING, &job.message, onError, onWarning,
-                                               &job.message, hostMalloc, hostFree);
+    png_structp png = png_create_read_struct_2(PNG_LIBPNG_VER_STRING, &job.message, onError,
+                                               onWarning, &job.message, hostMalloc, hostFree);
     if (!png) {
         copyText(job.message.text, sizeof job.message.text, "out of memory");
         return false;
@@ -156,7 +157,8 @@ bool runRead(PngReadJob& job) {
     chooseTransforms(png, job);
     png_read_update_info(png, info);
     size_t expected = size_t{job.width} * (job.colourType == PNG_COLOR_TYPE_PALETTE ? 1 : 4);
-    if (png_get_rowbytes(png, info) != expected) png_error(png, "unexpected row layout after conversion");
+    if (png_get_rowbytes(png, info) != expected)
+        png_error(png, "unexpected row layout after conversion");
     png_bytep* rows = job.prepare(job);
     if (!rows) png_longjmp(png, 1);
     png_read_image(png, rows);
@@ -200,7 +202,9 @@ class PngReader : public FrameReader {
         if (palette)
             info.alphabits = j.transSize > 0 ? 8 : 0;
         else
-            info.alphabits = (j.colourType & PNG_COLOR_MASK_ALPHA) ? j.bitDepth : j.colourKey ? 1 : 0;
+            info.alphabits = (j.colourType & PNG_COLOR_MASK_ALPHA) ? j.bitDepth
+                             : j.colourKey                         ? 1
+                                                                   : 0;
     }
 
     void decode(int, Picture& out) override { out = m_picture; }
@@ -208,10 +212,14 @@ class PngReader : public FrameReader {
   private:
     static int channelsOf(int colourType) {
         switch (colourType) {
-        case PNG_COLOR_TYPE_GRAY: return 1;
-        case PNG_COLOR_TYPE_GRAY_ALPHA: return 2;
-        case PNG_COLOR_TYPE_RGB: return 3;
-        default: return 4;
+        case PNG_COLOR_TYPE_GRAY:
+            return 1;
+        case PNG_COLOR_TYPE_GRAY_ALPHA:
+            return 2;
+        case PNG_COLOR_TYPE_RGB:
+            return 3;
+        default:
+            return 4;
         }
     }
 
@@ -264,10 +272,12 @@ class PngReader : public FrameReader {
             m_picture.makeIndexed(static_cast<int32_t>(j.width), static_cast<int32_t>(j.height));
         else
             m_picture.makeTrueColour(static_cast<int32_t>(j.width), static_cast<int32_t>(j.height));
-        auto* base = palette ? m_picture.indices.data() : reinterpret_cast<uint8_t*>(m_picture.argb.data());
+        auto* base =
+            palette ? m_picture.indices.data() : reinterpret_cast<uint8_t*>(m_picture.argb.data());
         size_t pitch = size_t{j.width} * (palette ? 1 : 4);
         m_rows.resize(j.height);
-        for (size_t y = 0; y < j.height; ++y) m_rows[y] = base + y * pitch;
+        for (size_t y = 0; y < j.height; ++y)
+            m_rows[y] = base + y * pitch;
     }
 
     void finishPicture() {
@@ -283,7 +293,8 @@ class PngReader : public FrameReader {
         if (j.paletteSize == 0) fail("the PNG palette image has no palette");
         for (int i = 0; i < j.paletteSize; ++i) {
             uint32_t alpha = i < j.transSize ? j.trans[i] : 255;
-            m_picture.setPaletteArgb(i, packArgb(alpha, j.palette[i].red, j.palette[i].green, j.palette[i].blue));
+            m_picture.setPaletteArgb(
+                i, packArgb(alpha, j.palette[i].red, j.palette[i].green, j.palette[i].blue));
         }
         m_picture.numcolours = j.paletteSize;
         for (uint8_t index : m_picture.indices)
@@ -326,8 +337,8 @@ void flushNothing(png_structp) {}
 
 // The only function that calls setjmp on the write side.
 bool runWrite(PngWriteJob& job) {
-    png_structp png = png_create_write_struct_2(PNG_LIBPNG_VER_STRING, &job.message, onError, onWarning,
-                                                &job.message, hostMalloc, hostFree);
+    png_structp png = png_create_write_struct_2(PNG_LIBPNG_VER_STRING, &job.message, onError,
+                                                onWarning, &job.message, hostMalloc, hostFree);
     if (!png) {
         copyText(job.message.text, sizeof job.message.text, "out of memory");
         return false;
@@ -358,7 +369,8 @@ bool runWrite(PngWriteJob& job) {
 
 int paletteEntries(const Picture& picture) {
     int count = std::clamp(picture.numcolours, 0, 256);
-    for (uint8_t index : picture.indices) count = std::max(count, index + 1);
+    for (uint8_t index : picture.indices)
+        count = std::max(count, index + 1);
     return std::max(count, 1);
 }
 
@@ -392,7 +404,8 @@ class PngWriter : public FrameWriter {
             pixels = colourBytes(alpha);
             base = pixels.data();
         }
-        for (size_t y = 0; y < rows.size(); ++y) rows[y] = base + y * pitch;
+        for (size_t y = 0; y < rows.size(); ++y)
+            rows[y] = base + y * pitch;
         job.rows = rows.data();
         if (!runWrite(job)) fail("cannot write the PNG file: %s", job.message.text);
     }
@@ -436,12 +449,14 @@ class PngWriter : public FrameWriter {
 // --- the driver ------------------------------------------------------------
 
 void about(TavixAbout& about) {
-    fillAbout(about, kPngId, "png", kCapRead | kCapWrite | kCapPalette | kCapTrueColour | kCapPacked,
-              {".png"}, "Portable Network Graphics");
+    fillAbout(about, kPngId, "png",
+              kCapRead | kCapWrite | kCapPalette | kCapTrueColour | kCapPacked, {".png"},
+              "Portable Network Graphics");
     about.colourlimit = 256;
     about.namelimit = 0; // names are not stored at all
     copyText(about.notes, sizeof about.notes,
-             "Reads every PNG colour type and depth (16-bit reduced to 8); writes 8-bit palette, RGB or RGBA");
+             "Reads every PNG colour type and depth (16-bit reduced to 8); writes 8-bit palette, "
+             "RGB or RGBA");
 }
 
 DetectScore detect(std::span<const uint8_t> head, const char* path) {
@@ -449,7 +464,9 @@ DetectScore detect(std::span<const uint8_t> head, const char* path) {
     return hasExtension(path, ".png") ? kByName : kNotMine;
 }
 
-HostPtr<FrameReader> open(Bytes&& file) { return makeHost<PngReader>(std::move(file)); }
+HostPtr<FrameReader> open(Bytes&& file) {
+    return makeHost<PngReader>(std::move(file));
+}
 
 HostPtr<FrameWriter> create(int frames) {
     if (frames != 1) {

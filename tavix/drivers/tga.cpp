@@ -78,7 +78,9 @@ TgaHeader parseHeader(const uint8_t* p) {
     return h;
 }
 
-bool isMapEntrySize(int bits) { return bits == 15 || bits == 16 || bits == 24 || bits == 32; }
+bool isMapEntrySize(int bits) {
+    return bits == 15 || bits == 16 || bits == 24 || bits == 32;
+}
 
 // Why the header cannot describe a Targa image we read, or null when it can.
 const char* headerProblem(const TgaHeader& h) {
@@ -88,7 +90,8 @@ const char* headerProblem(const TgaHeader& h) {
         return h.imageType == 0 ? "the file holds no image data" : "the image type is not defined";
     if (h.descriptor & 0xC0) return "interleaved rows are not supported";
     if (h.width == 0 || h.height == 0) return "the image is empty";
-    if (h.mapType == 1 && !isMapEntrySize(h.mapBits)) return "the colour map entry size is not defined";
+    if (h.mapType == 1 && !isMapEntrySize(h.mapBits))
+        return "the colour map entry size is not defined";
     int alpha = h.alphaBits();
     switch (h.kind()) {
     case kMapped:
@@ -98,13 +101,20 @@ const char* headerProblem(const TgaHeader& h) {
         if (alpha > 8) return "the alpha bit count is not defined";
         return nullptr;
     case kTrueColour:
-        if (h.depth == 15 || h.depth == 24) return alpha == 0 ? nullptr : "the alpha bit count does not fit the depth";
-        if (h.depth == 16) return alpha <= 1 ? nullptr : "the alpha bit count does not fit the depth";
-        if (h.depth == 32) return alpha == 0 || alpha == 8 ? nullptr : "the alpha bit count does not fit the depth";
+        if (h.depth == 15 || h.depth == 24)
+            return alpha == 0 ? nullptr : "the alpha bit count does not fit the depth";
+        if (h.depth == 16)
+            return alpha <= 1 ? nullptr : "the alpha bit count does not fit the depth";
+        if (h.depth == 32)
+            return alpha == 0 || alpha == 8 ? nullptr
+                                            : "the alpha bit count does not fit the depth";
         return "the pixel depth is not defined for true colour";
     default: // greyscale
-        if (h.depth == 8) return alpha == 0 ? nullptr : "the alpha bit count does not fit the depth";
-        if (h.depth == 16) return alpha == 0 || alpha == 8 ? nullptr : "the alpha bit count does not fit the depth";
+        if (h.depth == 8)
+            return alpha == 0 ? nullptr : "the alpha bit count does not fit the depth";
+        if (h.depth == 16)
+            return alpha == 0 || alpha == 8 ? nullptr
+                                            : "the alpha bit count does not fit the depth";
         return "the pixel depth is not defined for greyscale";
     }
 }
@@ -124,7 +134,9 @@ const char* fileProblem(const TgaHeader& h, size_t fileSize) {
     return nullptr;
 }
 
-uint8_t expand5(uint32_t v) { return static_cast<uint8_t>((v << 3) | (v >> 2)); }
+uint8_t expand5(uint32_t v) {
+    return static_cast<uint8_t>((v << 3) | (v >> 2));
+}
 
 // One pixel or map entry of 15/16/24/32 bits as ARGB. `alphaBit`: a 16-bit
 // value's top bit is alpha rather than unused.
@@ -145,7 +157,8 @@ bool allAlphaClear(const uint32_t* colours, size_t count) {
 }
 
 void makeOpaque(uint32_t* colours, size_t count) {
-    for (size_t i = 0; i < count; ++i) colours[i] |= 0xFF000000u;
+    for (size_t i = 0; i < count; ++i)
+        colours[i] |= 0xFF000000u;
 }
 
 // A 32-bit image or map whose descriptor claims no alpha bits and whose alpha
@@ -171,7 +184,8 @@ void unpackRuns(ByteReader& in, size_t pixelBytes, size_t pixels, Bytes& out) {
         uint8_t* to = &out[done * pixelBytes];
         if (head & 128) {
             const uint8_t* pixel = in.take(pixelBytes);
-            for (size_t i = 0; i < count; ++i) memcpy(to + i * pixelBytes, pixel, pixelBytes);
+            for (size_t i = 0; i < count; ++i)
+                memcpy(to + i * pixelBytes, pixel, pixelBytes);
         } else {
             memcpy(to, in.take(count * pixelBytes), count * pixelBytes);
         }
@@ -242,7 +256,8 @@ class TgaReader : public FrameReader {
         size_t entryBytes = (h.mapBits + 7u) / 8u;
         size_t usable = std::min<size_t>(h.mapLength, 256u - h.mapFirst);
         uint32_t colours[256];
-        for (size_t i = 0; i < usable; ++i) colours[i] = colourAt(map + i * entryBytes, h.mapBits, false);
+        for (size_t i = 0; i < usable; ++i)
+            colours[i] = colourAt(map + i * entryBytes, h.mapBits, false);
         m_alphaBits = settleAlpha(h, h.mapBits, colours, usable);
         for (size_t i = 0; i < usable; ++i)
             m_picture.setPaletteArgb(static_cast<int>(h.mapFirst + i), colours[i]);
@@ -265,7 +280,8 @@ class TgaReader : public FrameReader {
             for (size_t column = 0; column < h.width; ++column) {
                 uint8_t v = *data++;
                 if (v < first || v >= end)
-                    fail("Targa pixel value %u is outside the colour map (%u to %u)", v, first, end - 1);
+                    fail("Targa pixel value %u is outside the colour map (%u to %u)", v, first,
+                         end - 1);
                 m_picture.indices[target(row, column)] = v;
             }
     }
@@ -284,9 +300,9 @@ class TgaReader : public FrameReader {
                 m_picture.argb[target(row, column)] = colour;
             }
         m_alphaBits = greyAlpha ? 8
-                                : h.kind() == kGrey ? 0
-                                                    : settleAlpha(h, h.depth, m_picture.argb.data(),
-                                                                  m_picture.argb.size());
+                      : h.kind() == kGrey
+                          ? 0
+                          : settleAlpha(h, h.depth, m_picture.argb.data(), m_picture.argb.size());
     }
 
     TgaHeader m_header;
@@ -301,18 +317,22 @@ class TgaReader : public FrameReader {
 // index that occurs.
 int paletteEntries(const Picture& picture) {
     int count = std::clamp(picture.numcolours, 0, 256);
-    for (uint8_t index : picture.indices) count = std::max(count, index + 1);
+    for (uint8_t index : picture.indices)
+        count = std::max(count, index + 1);
     return std::max(count, 1);
 }
 
 // Packs one row of `count` pixels of `bytes` bytes: repeats of two or more
 // pixels become run packets, everything between them raw packets.
 void packRow(ByteWriter& out, const uint8_t* row, size_t count, size_t bytes) {
-    auto same = [&](size_t a, size_t b) { return memcmp(row + a * bytes, row + b * bytes, bytes) == 0; };
+    auto same = [&](size_t a, size_t b) {
+        return memcmp(row + a * bytes, row + b * bytes, bytes) == 0;
+    };
     size_t at = 0;
     while (at < count) {
         size_t run = 1;
-        while (at + run < count && run < kMaxPacket && same(at, at + run)) ++run;
+        while (at + run < count && run < kMaxPacket && same(at, at + run))
+            ++run;
         if (run >= 2) {
             out.u8(0x80 | (run - 1));
             out.bytes(row + at * bytes, bytes);
@@ -320,7 +340,8 @@ void packRow(ByteWriter& out, const uint8_t* row, size_t count, size_t bytes) {
             continue;
         }
         size_t raw = 1;
-        while (at + raw < count && raw < kMaxPacket && !(at + raw + 1 < count && same(at + raw, at + raw + 1)))
+        while (at + raw < count && raw < kMaxPacket &&
+               !(at + raw + 1 < count && same(at + raw, at + raw + 1)))
             ++raw;
         out.u8(raw - 1);
         out.bytes(row + at * bytes, raw * bytes);
@@ -333,8 +354,8 @@ class TgaWriter : public FrameWriter {
     void add(const TavixInfo& info, std::span<const uint8_t>, Picture&& picture) override {
         if (m_has) fail("a Targa file holds one image");
         if (picture.width > 65535 || picture.height > 65535)
-            fail("Targa images are at most 65535 x 65535 pixels; this one is %d x %d", picture.width,
-                 picture.height);
+            fail("Targa images are at most 65535 x 65535 pixels; this one is %d x %d",
+                 picture.width, picture.height);
         m_picture = std::move(picture);
         m_packed = info.packed != 0;
         m_keepAlpha = info.alphabits > 0;
@@ -348,14 +369,14 @@ class TgaWriter : public FrameWriter {
         int entries = p.indexed ? paletteEntries(p) : 0;
         bool alpha = p.indexed ? paletteHasAlpha(entries) : pixelsHaveAlpha();
         int depth = p.indexed ? 8 : alpha ? 32 : 24;
-        out.u8(0);                                       // no image ID
-        out.u8(p.indexed ? 1 : 0);                       // colour map type
+        out.u8(0);                 // no image ID
+        out.u8(p.indexed ? 1 : 0); // colour map type
         out.u8((p.indexed ? kMapped : kTrueColour) | (m_packed ? 8 : 0));
-        out.u16le(0);                                    // first map entry
+        out.u16le(0); // first map entry
         out.u16le(entries);
         out.u8(p.indexed ? (alpha ? 32 : 24) : 0);
-        out.u16le(0);                                    // x origin
-        out.u16le(0);                                    // y origin
+        out.u16le(0); // x origin
+        out.u16le(0); // y origin
         out.u16le(p.width);
         out.u16le(p.height);
         out.u8(depth);
@@ -426,14 +447,18 @@ class TgaWriter : public FrameWriter {
 // --- the driver ------------------------------------------------------------
 
 void about(TavixAbout& about) {
-    fillAbout(about, kTgaId, "tga", kCapRead | kCapWrite | kCapPalette | kCapTrueColour | kCapPacked,
-              {".tga", ".tpic", ".vda", ".icb", ".vst"}, "Targa");
+    fillAbout(about, kTgaId, "tga",
+              kCapRead | kCapWrite | kCapPalette | kCapTrueColour | kCapPacked, {".tga", ".tpic"},
+              "Targa");
     about.colourlimit = 256;
     about.namelimit = 0; // names are not stored at all
     copyText(about.notes, sizeof about.notes,
-             "Reads 8-bit mapped, 8/16-bit grey, 15/16/24/32-bit true colour, plain or RLE; one image per file");
+             "Reads 8-bit mapped, 8/16-bit grey, 15/16/24/32-bit true colour, plain or RLE; one "
+             "image per file");
 }
 
+// The file dialog offers the two extensions in use today; the older
+// Truevision ones still count as Targa names when a file is opened.
 bool hasTargaName(const char* path) {
     for (const char* extension : {".tga", ".tpic", ".vda", ".icb", ".vst"})
         if (hasExtension(path, extension)) return true;
@@ -456,7 +481,9 @@ DetectScore detect(std::span<const uint8_t> head, const char* path) {
     return named ? kByName : kNotMine;
 }
 
-HostPtr<FrameReader> open(Bytes&& file) { return makeHost<TgaReader>(std::move(file)); }
+HostPtr<FrameReader> open(Bytes&& file) {
+    return makeHost<TgaReader>(std::move(file));
+}
 
 HostPtr<FrameWriter> create(int frames) {
     if (frames != 1) {

@@ -41,7 +41,8 @@ std::vector<std::filesystem::path> goodFiles(const TempFolder& folder) {
     std::vector<std::filesystem::path> files;
     for (const char* driver : kDrivers)
         for (int kind = 0; kind < 3; ++kind) {
-            TavixFrame frame = kind == 0 ? indexedFrame(40, 3, palette, indices, 8) : trueColourFrame(40, 3, colours, 8);
+            TavixFrame frame = kind == 0 ? indexedFrame(40, 3, palette, indices, 8)
+                                         : trueColourFrame(40, 3, colours, 8);
             frame.info->packed = kind == 2;
             std::filesystem::path path = folder / ("good" + std::to_string(kind) + "." + driver);
             EXPECT_TRUE(writeImage(path, driver, frame));
@@ -75,7 +76,8 @@ TEST(RasterCrashers, ReplayThroughTheFuzzTargets) {
     int32_t live = galloc_live_count();
     for (const std::filesystem::path& file : crasherFiles()) {
         std::vector<uint8_t> bytes = readBytes(file);
-        for (const char* driver : kDrivers) fuzzRaster(driver, bytes.data(), bytes.size());
+        for (const char* driver : kDrivers)
+            fuzzRaster(driver, bytes.data(), bytes.size());
     }
     EXPECT_EQ(galloc_live_count(), live);
 }

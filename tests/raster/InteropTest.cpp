@@ -98,17 +98,19 @@ TavixFrame zyFrame(const ZyFile& z, int width, int height) {
     if (z.indexed) {
         std::vector<uint32_t> palette;
         for (uint32_t i = 0; i < 70; ++i)
-            palette.push_back((z.alpha ? (i * 29 + 3) & 255 : 255) << 24 | (i * 41 & 255) << 16 | (i * 3) << 8 |
-                              (200 - i));
+            palette.push_back((z.alpha ? (i * 29 + 3) & 255 : 255) << 24 | (i * 41 & 255) << 16 |
+                              (i * 3) << 8 | (200 - i));
         std::vector<uint8_t> indices;
-        for (int i = 0; i < width * height; ++i) indices.push_back(static_cast<uint8_t>(i / 3 % 70));
+        for (int i = 0; i < width * height; ++i)
+            indices.push_back(static_cast<uint8_t>(i / 3 % 70));
         return indexedFrame(width, height, palette, indices, z.alpha ? 8 : 0);
     }
     std::vector<uint32_t> argb;
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
             uint32_t a = z.alpha ? static_cast<uint32_t>(x * 19 + y * 7) & 255 : 255;
-            argb.push_back(x % 4 == 0 ? (a << 24 | 0x123456) : a << 24 | (x * 9 & 255) << 16 | (y * 17 & 255) << 8 | 99);
+            argb.push_back(x % 4 == 0 ? (a << 24 | 0x123456)
+                                      : a << 24 | (x * 9 & 255) << 16 | (y * 17 & 255) << 8 | 99);
         }
     return trueColourFrame(width, height, argb, z.alpha ? 8 : 0);
 }

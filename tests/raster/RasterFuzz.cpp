@@ -49,24 +49,31 @@ const Driver* driverNamed(const char* name) {
 void fixPngChecksums(std::vector<uint8_t>& bytes) {
     size_t at = 8;
     while (at + 12 <= bytes.size()) {
-        uint32_t length = uint32_t{bytes[at]} << 24 | bytes[at + 1] << 16 | bytes[at + 2] << 8 | bytes[at + 3];
+        uint32_t length =
+            uint32_t{bytes[at]} << 24 | bytes[at + 1] << 16 | bytes[at + 2] << 8 | bytes[at + 3];
         if (length > bytes.size() - at - 12) break;
         uLong crc = crc32(0, &bytes[at + 4], length + 4);
-        for (int i = 0; i < 4; ++i) bytes[at + 8 + length + i] = static_cast<uint8_t>(crc >> (24 - 8 * i));
+        for (int i = 0; i < 4; ++i)
+            bytes[at + 8 + length + i] = static_cast<uint8_t>(crc >> (24 - 8 * i));
         at += 12 + length;
     }
 }
 
 // What a frame's record promises about its pixels must hold.
 void checkConsistent(const TavixInfo& info, const Picture& picture) {
-    if (picture.width != info.width || picture.height != info.height) finding("frame size differs from its record");
+    if (picture.width != info.width || picture.height != info.height)
+        finding("frame size differs from its record");
     size_t pixels = size_t(picture.width) * size_t(picture.height);
-    if (picture.indexed != (info.bufferbpp <= 8)) finding("pixel kind differs from the record's buffer depth");
-    if ((picture.indexed ? picture.indices.size() : picture.argb.size()) != pixels) finding("pixel count is wrong");
-    if (picture.indexed && (info.numcolours < 1 || info.numcolours > 256)) finding("palette count out of range");
+    if (picture.indexed != (info.bufferbpp <= 8))
+        finding("pixel kind differs from the record's buffer depth");
+    if ((picture.indexed ? picture.indices.size() : picture.argb.size()) != pixels)
+        finding("pixel count is wrong");
+    if (picture.indexed && (info.numcolours < 1 || info.numcolours > 256))
+        finding("palette count out of range");
     if (info.alphabits == 0)
         for (size_t i = 0; i < pixels; ++i)
-            if (picture.argbAt(i) >> 24 != 255) finding("a frame without alpha bits has a transparent pixel");
+            if (picture.argbAt(i) >> 24 != 255)
+                finding("a frame without alpha bits has a transparent pixel");
 }
 
 void decodeOnce(const Driver& driver, Bytes&& file, TavixInfo& info, Picture& picture) {
@@ -97,9 +104,11 @@ void roundTrip(const Driver& driver, const TavixInfo& info, const Picture& pictu
     if (back.indexed != picture.indexed) finding("the round trip changed the pixel kind");
     size_t pixels = size_t(picture.width) * size_t(picture.height);
     for (size_t i = 0; i < pixels; ++i) {
-        if (picture.indexed && back.indices[i] != picture.indices[i]) finding("the round trip changed an index");
+        if (picture.indexed && back.indices[i] != picture.indices[i])
+            finding("the round trip changed an index");
         if (back.argbAt(i) != picture.argbAt(i)) {
-            fprintf(stderr, "pixel %zu: 0x%08X became 0x%08X\n", i, picture.argbAt(i), back.argbAt(i));
+            fprintf(stderr, "pixel %zu: 0x%08X became 0x%08X\n", i, picture.argbAt(i),
+                    back.argbAt(i));
             finding("the round trip changed a colour");
         }
     }

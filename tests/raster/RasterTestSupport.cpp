@@ -20,11 +20,22 @@ ByteBuilder& ByteBuilder::u8(uint32_t v) {
     m_bytes.push_back(static_cast<uint8_t>(v));
     return *this;
 }
-ByteBuilder& ByteBuilder::u16(uint32_t v) { return u8(v).u8(v >> 8); }
-ByteBuilder& ByteBuilder::u32(uint32_t v) { return u16(v).u16(v >> 16); }
-ByteBuilder& ByteBuilder::u32be(uint32_t v) { return u8(v >> 24).u8(v >> 16).u8(v >> 8).u8(v); }
+ByteBuilder& ByteBuilder::u16(uint32_t v) {
+    return u8(v).u8(v >> 8);
+}
+ByteBuilder& ByteBuilder::u32(uint32_t v) {
+    return u16(v).u16(v >> 16);
+}
+ByteBuilder& ByteBuilder::u32be(uint32_t v) {
+    return u8(v >> 24).u8(v >> 16).u8(v >> 8).u8(v);
+}
 ByteBuilder& ByteBuilder::raw(const std::vector<uint8_t>& bytes) {
     m_bytes.insert(m_bytes.end(), bytes.begin(), bytes.end());
+    return *this;
+}
+ByteBuilder& ByteBuilder::bgr(std::initializer_list<uint32_t> colours) {
+    for (uint32_t c : colours)
+        u8(c).u8(c >> 8).u8(c >> 16);
     return *this;
 }
 ByteBuilder& ByteBuilder::text(const char* s) {
@@ -36,7 +47,8 @@ ByteBuilder& ByteBuilder::zeros(size_t n) {
     return *this;
 }
 void ByteBuilder::patch32(size_t at, uint32_t v) {
-    for (int i = 0; i < 4; ++i) m_bytes.at(at + i) = static_cast<uint8_t>(v >> (8 * i));
+    for (int i = 0; i < 4; ++i)
+        m_bytes.at(at + i) = static_cast<uint8_t>(v >> (8 * i));
 }
 
 PngBuilder::PngBuilder() : m_bytes{137, 80, 78, 71, 13, 10, 26, 10} {}
@@ -51,15 +63,20 @@ PngBuilder& PngBuilder::chunk(const char* type, const std::vector<uint8_t>& data
     return *this;
 }
 
-PngBuilder& PngBuilder::header(uint32_t width, uint32_t height, int depth, int colourType, int interlace) {
+PngBuilder& PngBuilder::header(uint32_t width, uint32_t height, int depth, int colourType,
+                               int interlace) {
     ByteBuilder b;
     b.u32be(width).u32be(height).u8(depth).u8(colourType).u8(0).u8(0).u8(interlace);
     return chunk("IHDR", b.bytes());
 }
 
-PngBuilder& PngBuilder::imageData(const std::vector<uint8_t>& rows) { return chunk("IDAT", deflate(rows)); }
+PngBuilder& PngBuilder::imageData(const std::vector<uint8_t>& rows) {
+    return chunk("IDAT", deflate(rows));
+}
 
-PngBuilder& PngBuilder::end() { return chunk("IEND", {}); }
+PngBuilder& PngBuilder::end() {
+    return chunk("IEND", {});
+}
 
 std::vector<uint8_t> deflate(const std::vector<uint8_t>& data) {
     uLongf size = compressBound(static_cast<uLong>(data.size()));
@@ -71,7 +88,8 @@ std::vector<uint8_t> deflate(const std::vector<uint8_t>& data) {
 
 void writeBytes(const std::filesystem::path& path, const std::vector<uint8_t>& bytes) {
     std::ofstream out(path, std::ios::binary);
-    out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    out.write(reinterpret_cast<const char*>(bytes.data()),
+              static_cast<std::streamsize>(bytes.size()));
 }
 
 std::vector<uint8_t> readBytes(const std::filesystem::path& path) {
@@ -115,17 +133,19 @@ TavixFrame indexedFrame(int width, int height, const std::vector<uint32_t>& pale
     info.redbits = info.greenbits = info.bluebits = 8;
     for (size_t i = 0; i < palette.size(); ++i) {
         uint32_t c = palette[i];
-        info.colours[i] = {static_cast<uint8_t>(c), static_cast<uint8_t>(c >> 8), static_cast<uint8_t>(c >> 16),
-                           static_cast<uint8_t>(c >> 24)};
+        info.colours[i] = {static_cast<uint8_t>(c), static_cast<uint8_t>(c >> 8),
+                           static_cast<uint8_t>(c >> 16), static_cast<uint8_t>(c >> 24)};
     }
     frame.pitch = TavixRowPitch(width, 8);
     frame.pixels.assign(static_cast<size_t>(frame.pitch) * height, 0xEE); // padding must not matter
     for (int y = 0; y < height; ++y)
-        memcpy(&frame.pixels[static_cast<size_t>(y) * frame.pitch], &indices[static_cast<size_t>(y) * width], width);
+        memcpy(&frame.pixels[static_cast<size_t>(y) * frame.pitch],
+               &indices[static_cast<size_t>(y) * width], width);
     return frame;
 }
 
-TavixFrame trueColourFrame(int width, int height, const std::vector<uint32_t>& argb, int alphabits) {
+TavixFrame trueColourFrame(int width, int height, const std::vector<uint32_t>& argb,
+                           int alphabits) {
     TavixFrame frame;
     frame.info = NewTavixInfo();
     TavixInfo& info = *frame.info;
@@ -137,7 +157,8 @@ TavixFrame trueColourFrame(int width, int height, const std::vector<uint32_t>& a
     frame.pitch = TavixRowPitch(width, 32);
     frame.pixels.assign(static_cast<size_t>(frame.pitch) * height, 0);
     for (int y = 0; y < height; ++y)
-        memcpy(&frame.pixels[static_cast<size_t>(y) * frame.pitch], &argb[static_cast<size_t>(y) * width], 4 * width);
+        memcpy(&frame.pixels[static_cast<size_t>(y) * frame.pitch],
+               &argb[static_cast<size_t>(y) * width], 4 * width);
     return frame;
 }
 
@@ -173,13 +194,15 @@ bool runConvert(const std::string& arguments) {
 // Samples come out at 16 bits and are reduced here by rounding to nearest:
 // ImageMagick's own -depth 8 truncates, which no reader is obliged to copy.
 std::vector<uint32_t> magickPixels(const std::filesystem::path& path) {
-    std::string command = "convert '" + path.string() + "' -auto-orient -depth 16 -endian LSB rgba:- 2>/dev/null";
+    std::string command =
+        "convert '" + path.string() + "' -auto-orient -depth 16 -endian LSB rgba:- 2>/dev/null";
     FILE* pipe = popen(command.c_str(), "r");
     if (!pipe) return {};
     std::vector<uint8_t> bytes;
     uint8_t buffer[4096];
     size_t got;
-    while ((got = fread(buffer, 1, sizeof buffer, pipe)) > 0) bytes.insert(bytes.end(), buffer, buffer + got);
+    while ((got = fread(buffer, 1, sizeof buffer, pipe)) > 0)
+        bytes.insert(bytes.end(), buffer, buffer + got);
     pclose(pipe);
     auto sample = [&](size_t at) {
         uint32_t v = bytes[at] | bytes[at + 1] << 8;
@@ -205,8 +228,12 @@ MessageCapture::MessageCapture() {
     g_captured.clear();
     g_previousHook = gsetprinthook(captureLine);
 }
-MessageCapture::~MessageCapture() { gsetprinthook(g_previousHook); }
-const std::string& MessageCapture::text() const { return g_captured; }
+MessageCapture::~MessageCapture() {
+    gsetprinthook(g_previousHook);
+}
+const std::string& MessageCapture::text() const {
+    return g_captured;
+}
 
 std::string hex(uint32_t argb) {
     char text[16];
@@ -216,10 +243,12 @@ std::string hex(uint32_t argb) {
 
 std::string firstDifference(const std::vector<uint32_t>& want, const std::vector<uint32_t>& got) {
     if (want.size() != got.size())
-        return "sizes differ: " + std::to_string(want.size()) + " wanted, " + std::to_string(got.size()) + " got";
+        return "sizes differ: " + std::to_string(want.size()) + " wanted, " +
+               std::to_string(got.size()) + " got";
     for (size_t i = 0; i < want.size(); ++i)
         if (want[i] != got[i])
-            return "pixel " + std::to_string(i) + ": wanted " + hex(want[i]) + ", got " + hex(got[i]);
+            return "pixel " + std::to_string(i) + ": wanted " + hex(want[i]) + ", got " +
+                   hex(got[i]);
     return {};
 }
 

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,6 +26,8 @@ class ByteBuilder {
     ByteBuilder& u32(uint32_t v);
     ByteBuilder& u32be(uint32_t v);
     ByteBuilder& raw(const std::vector<uint8_t>& bytes);
+    // Each colour's blue, green and red bytes, as 24-bit pixels store them.
+    ByteBuilder& bgr(std::initializer_list<uint32_t> colours);
     ByteBuilder& text(const char* s); // without its terminator
     ByteBuilder& zeros(size_t n);
     size_t size() const { return m_bytes.size(); }
@@ -40,7 +43,8 @@ class PngBuilder {
   public:
     PngBuilder();
     PngBuilder& chunk(const char* type, const std::vector<uint8_t>& data);
-    PngBuilder& header(uint32_t width, uint32_t height, int depth, int colourType, int interlace = 0);
+    PngBuilder& header(uint32_t width, uint32_t height, int depth, int colourType,
+                       int interlace = 0);
     // IDAT holding `rows` (each with its leading filter byte) deflated.
     PngBuilder& imageData(const std::vector<uint8_t>& rows);
     PngBuilder& end();
@@ -62,8 +66,8 @@ struct Image {
     int driver = -1;
     int frames = 0;
     TavixInfo info{};
-    std::vector<uint32_t> argb;    // every pixel's colour, palette looked up
-    std::vector<uint8_t> indices;  // indexed frames only
+    std::vector<uint32_t> argb;   // every pixel's colour, palette looked up
+    std::vector<uint8_t> indices; // indexed frames only
 };
 
 // Binds the built library (once) and reads the file through it.

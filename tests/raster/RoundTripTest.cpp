@@ -31,7 +31,7 @@ const Format kFormats[] = {
 struct Kind {
     const char* label;
     bool indexed;
-    bool alpha;     // the frame has non-opaque colours and says so in alphabits
+    bool alpha;        // the frame has non-opaque colours and says so in alphabits
     bool garbageAlpha; // non-opaque colours but alphabits 0: written opaque
     bool packed;
     int width, height;
@@ -76,19 +76,21 @@ std::vector<uint8_t> patternIndices(int width, int height, int count) {
 TavixFrame frameFor(const Kind& kind) {
     if (kind.indexed) {
         auto palette = patternPalette(40, kind.alpha || kind.garbageAlpha);
-        return indexedFrame(kind.width, kind.height, palette, patternIndices(kind.width, kind.height, 40),
-                            kind.alpha ? 8 : 0);
+        return indexedFrame(kind.width, kind.height, palette,
+                            patternIndices(kind.width, kind.height, 40), kind.alpha ? 8 : 0);
     }
     std::vector<uint32_t> argb;
     for (int y = 0; y < kind.height; ++y)
-        for (int x = 0; x < kind.width; ++x) argb.push_back(patternColour(x, y, kind.alpha || kind.garbageAlpha));
+        for (int x = 0; x < kind.width; ++x)
+            argb.push_back(patternColour(x, y, kind.alpha || kind.garbageAlpha));
     return trueColourFrame(kind.width, kind.height, argb, kind.alpha ? 8 : 0);
 }
 
 std::vector<uint32_t> expectedColours(const TavixFrame& frame, bool alphaKept) {
     std::vector<uint32_t> colours = zytest::argbPixels(frame);
     if (!alphaKept)
-        for (uint32_t& c : colours) c |= 0xFF000000u;
+        for (uint32_t& c : colours)
+            c |= 0xFF000000u;
     return colours;
 }
 
@@ -110,7 +112,8 @@ TEST(RasterRoundTrip, EveryDriverKeepsEveryKindOfPixel) {
             bool alphaKept = kind.alpha && (!kind.indexed || format.paletteAlpha);
             EXPECT_EQ(firstDifference(expectedColours(frame, alphaKept), back.argb), "");
             EXPECT_EQ(back.info.alphabits > 0, alphaKept);
-            EXPECT_EQ(back.info.packed, format.packedOnRead < 0 ? int(kind.packed) : format.packedOnRead);
+            EXPECT_EQ(back.info.packed,
+                      format.packedOnRead < 0 ? int(kind.packed) : format.packedOnRead);
             if (kind.indexed) {
                 EXPECT_EQ(back.info.bufferbpp, 8);
                 EXPECT_EQ(back.info.bpp, 8);
@@ -223,7 +226,7 @@ TEST(RasterDrivers, WrittenLayoutsAreTheDocumentedOnes) {
     struct Case {
         const char* driver;
         const TavixFrame* frame;
-        size_t at;          // offset of the byte that tells the depth
+        size_t at; // offset of the byte that tells the depth
         uint8_t depth;
     } cases[] = {
         {"tga", &opaque, 16, 24}, {"tga", &clear, 16, 32}, {"tga", &mapped, 7, 32},
@@ -244,7 +247,7 @@ TEST(RasterDrivers, WrittenLayoutsAreTheDocumentedOnes) {
     ASSERT_TRUE(writeImage(folder / "alpha.bmp", "bmp", clear));
     bmp = readBytes(folder / "alpha.bmp");
     EXPECT_EQ(bmp[14], 108);
-    EXPECT_EQ(bmp[30], 3); // BI_BITFIELDS
+    EXPECT_EQ(bmp[30], 3);             // BI_BITFIELDS
     EXPECT_EQ(bmp[14 + 52 + 3], 0xFF); // alpha mask 0xFF000000
 }
 
@@ -263,7 +266,7 @@ TEST(RasterDetection, ContentDecidesForSignaturesAndTheNameForTarga) {
         const char* file;
         const char* driver; // null: no driver may claim it
     } cases[] = {
-        {"png.dat", "png"}, {"bmp.dat", "bmp"}, {"tga.dat", nullptr},
+        {"png.dat", "png"},   {"bmp.dat", "bmp"}, {"tga.dat", nullptr},
         {"UPPER.TGA", "tga"}, {"png.tga", "png"},
     };
     for (const Case& c : cases) {
