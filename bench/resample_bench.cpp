@@ -77,8 +77,7 @@ void BM_Mipmap(benchmark::State& state) {
         module_select(mipmap);
         ModuleInstance* instance = nullptr;
         made = 0;
-        if (!module_open(&instance, 1, &entry, static_cast<int32_t>(values.size()),
-                         values.data()))
+        if (!module_open(&instance, 1, &entry, static_cast<int32_t>(values.size()), values.data()))
             break;
         for (int32_t i = 0;; ++i) {
             TavixInfo* info = module_query(instance, i);

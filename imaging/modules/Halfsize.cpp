@@ -75,7 +75,8 @@ Rule readRule(const ModuleInstance* instance) {
                 divisor(module_value_int(instance, kHScale, 0), direction, 2),
                 step(module_value_int(instance, kVStep, 0)),
                 step(module_value_int(instance, kHStep, 0)),
-                module_value_int(instance, kEdge, 0) != 0, module_value_int(instance, kDot3, 0) != 0};
+                module_value_int(instance, kEdge, 0) != 0,
+                module_value_int(instance, kDot3, 0) != 0};
 }
 
 int32_t atLeastOne(int32_t v) {
@@ -126,8 +127,8 @@ uint32_t blockPixel(const ImageEntry& in, const Rule& rule, int32_t x0, int32_t 
     }
     uint32_t out = static_cast<uint32_t>((sum[3] + n / 2) / n) << 24;
     if (rule.dot3) {
-        double length = std::sqrt(normal[0] * normal[0] + normal[1] * normal[1] +
-                                  normal[2] * normal[2]);
+        double length =
+            std::sqrt(normal[0] * normal[0] + normal[1] * normal[1] + normal[2] * normal[2]);
         if (length <= 0.0) return out | 0x8080FFu; // blue is the z component
         for (int c = 0; c < 3; ++c)
             out |= encodeNormal(normal[c] / length) << (8 * c);

@@ -175,31 +175,25 @@ bool copyImage(const ImageEntry& in, ModuleResult* out) {
     return true;
 }
 
-bool runOn(const char* name, const ImageEntry& in, const ModuleValue* values, int32_t count,
-           ModuleResult* out) {
-    return resample::run_named(name, in, values, count, out);
-}
-
 bool sizeTo(const ImageEntry& in, int32_t w, int32_t h, int32_t filter, int32_t respect,
             ModuleResult* out) {
     const ModuleValue values[] = {ModuleValue::ofInt(w),      ModuleValue::ofInt(h),
                                   ModuleValue::ofInt(filter), ModuleValue::ofInt(respect),
                                   ModuleValue::ofUint(0),     ModuleValue::ofReal(1.0),
                                   ModuleValue::ofReal(1.0)};
-    return runOn("Size", in, values, 7, out);
+    return resample::run_named("Size", in, values, 7, out);
 }
 
 bool scaleTo(const ImageEntry& in, int32_t w, int32_t h, ModuleResult* out) {
     const ModuleValue values[] = {ModuleValue::ofInt(w), ModuleValue::ofInt(h)};
-    return runOn("Scale", in, values, 2, out);
+    return resample::run_named("Scale", in, values, 2, out);
 }
 
 bool halve(const ImageEntry& in, ModuleResult* out) {
-    const ModuleValue values[] = {ModuleValue::ofInt(3), ModuleValue::ofInt(0),
-                                  ModuleValue::ofInt(0), ModuleValue::ofInt(0),
-                                  ModuleValue::ofInt(0), ModuleValue::ofInt(0),
-                                  ModuleValue::ofInt(0)};
-    return runOn("Halfsize", in, values, 7, out);
+    const ModuleValue values[] = {
+        ModuleValue::ofInt(3), ModuleValue::ofInt(0), ModuleValue::ofInt(0), ModuleValue::ofInt(0),
+        ModuleValue::ofInt(0), ModuleValue::ofInt(0), ModuleValue::ofInt(0)};
+    return resample::run_named("Halfsize", in, values, 7, out);
 }
 
 // Paints the whole level with the background. An indexed level takes the
@@ -211,7 +205,7 @@ bool paint(const ImageEntry& in, uint32_t background, ModuleResult* out) {
     const ModuleValue values[] = {ModuleValue::ofInt(in.info->width),
                                   ModuleValue::ofInt(in.info->height), ModuleValue::ofUint(colour),
                                   ModuleValue::ofInt(0), ModuleValue::ofInt(0)};
-    return runOn("Rect", in, values, 5, out);
+    return resample::run_named("Rect", in, values, 5, out);
 }
 
 // ---- Making the chain ------------------------------------------------------
@@ -219,10 +213,10 @@ bool paint(const ImageEntry& in, uint32_t background, ModuleResult* out) {
 // What the chain is made from and how.
 struct Plan {
     Settings s;
-    int32_t method;     // after the indexed-source rules
-    bool reduce;        // made in 32 bits from an indexed source, reduced at the end
-    ImageEntry input;   // the caller's source
-    ImageEntry source;  // the source, or its 32-bit copy when reducing
+    int32_t method;    // after the indexed-source rules
+    bool reduce;       // made in 32 bits from an indexed source, reduced at the end
+    ImageEntry input;  // the caller's source
+    ImageEntry source; // the source, or its 32-bit copy when reducing
     const TavixInfo* original;
 };
 
@@ -236,8 +230,7 @@ bool makeLevelZero(const Plan& p, ModuleResult* out) {
                   p.s.transparency, out);
 }
 
-bool makeLevel(const Plan& p, const ImageEntry& previous, int32_t w, int32_t h,
-               ModuleResult* out) {
+bool makeLevel(const Plan& p, const ImageEntry& previous, int32_t w, int32_t h, ModuleResult* out) {
     if (p.method == kHalfsize) return halve(previous, out);
     if (p.method == kScale) return scaleTo(previous, w, h, out);
     return sizeTo(previous, w, h, kLanczos3, p.s.transparency, out);
@@ -261,7 +254,10 @@ void markLevel(TavixInfo* info, const Settings& s) {
 // indexed source made in 32 bits go back onto the source's own palette,
 // pixel by pixel to the nearest entry; every level shares it, as a
 // quantized palette would be shared. A level 0 that is a copy of the
-// source (and not painted over) keeps the source's own indices.
+// source (and not painted over) keeps the source's own indices. With the
+// quantizers in place this becomes: begin one quantizer, add every level,
+// make one palette of the source's entry count, and map each level through
+// its inverse map (or by nearest colour where it gives none).
 bool reduceLevels(MipmapInstance* m, const Plan& p) {
     const TavixInfo* in = p.original;
     bool levelZeroCopied =
@@ -303,7 +299,8 @@ bool makeChain(MipmapInstance* m, const Plan& p, int32_t n) {
     for (int32_t i = 0; i < n; ++i) {
         int32_t w = p.s.width >> i, h = p.s.height >> i;
         ModuleResult made{};
-        bool ok = i == 0 ? makeLevelZero(p, &made) : makeLevel(p, levelEntry(m, i - 1), w, h, &made);
+        bool ok =
+            i == 0 ? makeLevelZero(p, &made) : makeLevel(p, levelEntry(m, i - 1), w, h, &made);
         if (ok) replaceLevel(m, i, made);
         if (ok && n - i <= p.s.clearLastN) {
             ok = paint(levelEntry(m, i), p.s.background, &made);
@@ -329,7 +326,7 @@ ModuleDescriptor* describe() {
 int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
          const ModuleValue* values) {
     if (!module_open_instance(kDecl, out, imageCount, images, valueCount, values, 1,
-                              sizeof(MipmapInstance)))
+                              static_cast<int32_t>(sizeof(MipmapInstance))))
         return 0;
     auto* m = reinterpret_cast<MipmapInstance*>(*out);
     Plan p{readSettings(*out), 0, false, images[0], images[0], images[0].info};

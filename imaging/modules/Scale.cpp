@@ -43,8 +43,8 @@ int32_t side(int32_t given, int32_t source, int32_t reference, bool relative) {
 
 void resultSize(const ModuleInstance* instance, int32_t* width, int32_t* height) {
     const TavixInfo* in = instance->images[0].info;
-    bool relative = instance->valueCount == kRelativeCount &&
-                    module_value_int(instance, kRelative, 0) != 0;
+    bool relative =
+        instance->valueCount == kRelativeCount && module_value_int(instance, kRelative, 0) != 0;
     *width = side(module_value_int(instance, kDecl, kWidth), in->width,
                   module_value_int(instance, kReferenceWidth, 0), relative);
     *height = side(module_value_int(instance, kDecl, kHeight), in->height,

@@ -104,9 +104,8 @@ TavixInfo* query(ModuleInstance* instance, int32_t) {
 int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
     if (!module_instance_ok(instance)) return 0;
     const ImageEntry& in = instance->images[0];
-    if (!isArgb(in.info) || !isArgb(result) || !module_info_ok(result) || !pixels ||
-        !in.pixels || in.rowbytes < module_row_length(in.info) ||
-        rowbytes < module_row_length(result)) {
+    if (!isArgb(in.info) || !isArgb(result) || !module_info_ok(result) || !pixels || !in.pixels ||
+        in.rowbytes < module_row_length(in.info) || rowbytes < module_row_length(result)) {
         gprintf("Size - needs 32-bit source and result pixels\n");
         return 0;
     }

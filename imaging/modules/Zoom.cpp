@@ -122,8 +122,8 @@ struct Pixel {
 };
 
 Pixel unpack(uint32_t p) {
-    return Pixel{{float(p & 0xFF), float((p >> 8) & 0xFF), float((p >> 16) & 0xFF),
-                  float(p >> 24)}};
+    return Pixel{
+        {float(p & 0xFF), float((p >> 8) & 0xFF), float((p >> 16) & 0xFF), float(p >> 24)}};
 }
 
 uint32_t pack(const Pixel& p) {
@@ -137,8 +137,8 @@ uint32_t pack(const Pixel& p) {
 }
 
 // One source row filtered across into `out` (result width pixels).
-void filterRow(const ImageEntry& in, int32_t y, const Taps& across, const Pixel& solid,
-               Pixel* out, int32_t width) {
+void filterRow(const ImageEntry& in, int32_t y, const Taps& across, const Pixel& solid, Pixel* out,
+               int32_t width) {
     const uint8_t* row = module_row(in, y);
     for (int32_t x = 0; x < width; ++x) {
         Pixel sum{{0, 0, 0, 0}};
@@ -158,7 +158,7 @@ void filterRow(const ImageEntry& in, int32_t y, const Taps& across, const Pixel&
 struct RowCache {
     void* block = nullptr;
     Pixel* rows = nullptr;
-    int32_t* held = nullptr;     // source row in each slot, -1 for none
+    int32_t* held = nullptr;      // source row in each slot, -1 for none
     const Pixel** list = nullptr; // per tap of the current result row; null: solid
     int32_t slots = 0;
 

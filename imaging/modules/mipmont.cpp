@@ -134,8 +134,8 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
         width = layout.width;
         height = layout.height;
     }
-    if (!result || !pixels || !base.pixels || result->width != width ||
-        result->height != height || module_pixel_bytes(result) != module_pixel_bytes(base.info) ||
+    if (!result || !pixels || !base.pixels || result->width != width || result->height != height ||
+        module_pixel_bytes(result) != module_pixel_bytes(base.info) ||
         rowbytes < module_row_length(result) || base.rowbytes < module_row_length(base.info)) {
         gprintf("mipmont - result must be %d x %d of the source's depth\n", width, height);
         return 0;

@@ -67,10 +67,10 @@ TEST_F(MipmapModule, LevelCountRule) {
         int32_t w, h, levels, minLevels, expected;
     };
     const Case cases[] = {
-        {256, 128, 4, 1, 4},   {256, 128, 10, 1, 8}, // 128 .. 1 on the short side
-        {256, 128, 16, 1, 8},  {256, 128, 1, 3, 3},  // MinLevels raises Levels
-        {8, 8, 1, 20, 4},      {300, 200, 10, 1, 8}, // never past one pixel
-        {1, 1, 10, 1, 1},      {5, 3, 10, 1, 2},     {4, 1, 10, 1, 1},
+        {256, 128, 4, 1, 4},      {256, 128, 10, 1, 8}, // 128 .. 1 on the short side
+        {256, 128, 16, 1, 8},     {256, 128, 1, 3, 3},  // MinLevels raises Levels
+        {8, 8, 1, 20, 4},         {300, 200, 10, 1, 8}, // never past one pixel
+        {1, 1, 10, 1, 1},         {5, 3, 10, 1, 2},      {4, 1, 10, 1, 1},
         {1024, 1024, 200, 1, 11}, {1024, 16, 200, 1, 5},
     };
     for (const Case& c : cases) {
@@ -110,7 +110,8 @@ TEST_F(MipmapModule, LevelZeroIsAByteForByteCopyAtTheSourceSize) {
             ASSERT_FALSE(chain.levels.empty());
             for (int32_t y = 0; y < 10; ++y)
                 EXPECT_EQ(chain.levels[0].rowBytes(y), in.rowBytes(y)) << bpp << " " << method;
-            EXPECT_EQ(memcmp(chain.levels[0].info(), in.info(), offsetof(TavixInfo, attributes)), 0);
+            EXPECT_EQ(memcmp(chain.levels[0].info(), in.info(), offsetof(TavixInfo, attributes)),
+                      0);
         }
     }
 }
@@ -141,10 +142,10 @@ TEST_F(MipmapModule, MethodsBuildEachLevelFromTheOneBefore) {
         ASSERT_EQ(chain.levels.size(), 3u);
         Picture level1 = runModule(c.module, chain.levels[0], c.values);
         EXPECT_EQ(chain.levels[1].image().px, level1.image().px) << c.method;
-        Picture level2 = runModule(c.module, level1,
-                                   c.method == 1 ? c.values
-                                                 : std::vector<ModuleValue>{I(10), I(6), I(0),
-                                                                            I(1), U(0), R(1), R(1)});
+        Picture level2 = runModule(
+            c.module, level1,
+            c.method == 1 ? c.values
+                          : std::vector<ModuleValue>{I(10), I(6), I(0), I(1), U(0), R(1), R(1)});
         if (c.method != 0) {
             EXPECT_EQ(chain.levels[2].image().px, level2.image().px) << c.method;
         }
@@ -157,10 +158,9 @@ TEST_F(MipmapModule, ResizedLevelZeroUsesPointForMethod1AndLanczosOtherwise) {
         Chain chain = mipmap(in, {I(method), I(2), I(1), I(16), I(8)});
         ASSERT_EQ(chain.levels.size(), 2u);
         int32_t filter = method == 1 ? 4 : 0;
-        EXPECT_EQ(chain.levels[0].image().px,
-                  runModule("Size", in, {I(16), I(8), I(filter), I(0), U(0), R(1), R(1)})
-                      .image()
-                      .px)
+        EXPECT_EQ(
+            chain.levels[0].image().px,
+            runModule("Size", in, {I(16), I(8), I(filter), I(0), U(0), R(1), R(1)}).image().px)
             << method;
     }
 }

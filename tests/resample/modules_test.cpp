@@ -78,15 +78,15 @@ TEST_F(Resizers, HalfsizeGeometry) {
         int32_t w, h;
     };
     const Case cases[] = {
-        {{}, 2, 3},                        // both axes; odd sides lose a row and a column
-        {{I(1)}, 5, 3},                    // bit 0: vertical only
-        {{I(2)}, 2, 7},                    // bit 1: horizontal only
-        {{I(0)}, 5, 7},                    // neither
-        {{I(0), I(2)}, 5, 3},              // vscale overrides the direction
-        {{I(3), I(0), I(1)}, 5, 3},        // hscale 1 keeps the width
-        {{I(3), I(4), I(4)}, 1, 1},        // 5 / 4 and 7 / 4
-        {{I(3), I(9), I(9)}, 1, 1},        // at least one pixel
-        {{I(3), I(-2), I(0)}, 2, 3},       // negative scales count as 0
+        {{}, 2, 3},                  // both axes; odd sides lose a row and a column
+        {{I(1)}, 5, 3},              // bit 0: vertical only
+        {{I(2)}, 2, 7},              // bit 1: horizontal only
+        {{I(0)}, 5, 7},              // neither
+        {{I(0), I(2)}, 5, 3},        // vscale overrides the direction
+        {{I(3), I(0), I(1)}, 5, 3},  // hscale 1 keeps the width
+        {{I(3), I(4), I(4)}, 1, 1},  // 5 / 4 and 7 / 4
+        {{I(3), I(9), I(9)}, 1, 1},  // at least one pixel
+        {{I(3), I(-2), I(0)}, 2, 3}, // negative scales count as 0
     };
     Picture in(5, 7);
     in.info()->centerx = 3;
@@ -128,9 +128,9 @@ TEST_F(Resizers, HalfsizePixelRules) {
     };
     Picture in = block2x2(0x0A0A0A0A, 0x14141414, 0x1E1E1E1E, 0x29292929);
     const Case cases[] = {
-        {"mean rounds half up", {}, 0x19191919},          // (10 + 20 + 30 + 41 + 2) / 4 = 25
-        {"vstep 1 first row", {I(3), I(0), I(0), I(1)}, 0x0F0F0F0F},  // (10 + 20 + 1) / 2
-        {"vstep 2 last row", {I(3), I(0), I(0), I(2)}, 0x24242424},   // (30 + 41 + 1) / 2
+        {"mean rounds half up", {}, 0x19191919}, // (10 + 20 + 30 + 41 + 2) / 4 = 25
+        {"vstep 1 first row", {I(3), I(0), I(0), I(1)}, 0x0F0F0F0F}, // (10 + 20 + 1) / 2
+        {"vstep 2 last row", {I(3), I(0), I(0), I(2)}, 0x24242424},  // (30 + 41 + 1) / 2
         {"hstep 2 last column", {I(3), I(0), I(0), I(0), I(2)}, 0x1F1F1F1F},
         {"both steps", {I(3), I(0), I(0), I(2), I(1)}, 0x1E1E1E1E},
     };
@@ -284,7 +284,12 @@ TEST_F(Resizers, RectPaintsAClippedRectangle) {
         {"defaults: 16 x 16 of opaque black at 0, 0", {}, 0, 0, 7, 5, 0xFF000000},
         {"size and colour", {I(3), I(2), U(0xFF00FF00)}, 0, 0, 3, 2, 0xFF00FF00},
         {"placed and clipped", {I(9), I(2), U(0x12345678), I(4), I(4)}, 4, 4, 7, 5, 0x12345678},
-        {"placed above and left", {I(3), I(3), U(0xFFABCDEF), I(-1), I(-2)}, 0, 0, 2, 1,
+        {"placed above and left",
+         {I(3), I(3), U(0xFFABCDEF), I(-1), I(-2)},
+         0,
+         0,
+         2,
+         1,
          0xFFABCDEF},
         {"nothing", {I(0), I(3), U(0xFFFFFFFF)}, 0, 0, 0, 0, 0},
     };

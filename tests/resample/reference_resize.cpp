@@ -53,8 +53,7 @@ uint32_t apply(const std::vector<Tap>& list, Read in, bool respect, uint32_t key
             sum[c] += tap.weight * channel(p, c);
         used += tap.weight;
     }
-    if (!alpha)
-        return 0xFF000000u | toByte(sum[2]) << 16 | toByte(sum[1]) << 8 | toByte(sum[0]);
+    if (!alpha) return 0xFF000000u | toByte(sum[2]) << 16 | toByte(sum[1]) << 8 | toByte(sum[0]);
     if (respect && used < 0.3f) return key;
     uint32_t out = 0;
     for (int c = 0; c < 4; ++c)
@@ -154,9 +153,9 @@ Image resize(const Image& source, int32_t width, int32_t height, int32_t filter,
         for (int32_t y = 0; y < source.height; ++y)
             column[size_t(y)] = mid.at(x, y);
         for (int32_t y = 0; y < height; ++y)
-            out.px[size_t(y) * width + x] =
-                apply(down[size_t(y)], [&](int32_t j) { return column[size_t(j)]; }, respectAlpha,
-                      k, resultHasAlpha);
+            out.px[size_t(y) * width + x] = apply(
+                down[size_t(y)], [&](int32_t j) { return column[size_t(j)]; }, respectAlpha, k,
+                resultHasAlpha);
     }
     return out;
 }

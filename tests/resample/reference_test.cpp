@@ -14,10 +14,9 @@ struct Shape {
 };
 
 const Shape kShapes[] = {
-    {"Reduce", 103, 67, 41, 29},     {"Enlarge", 13, 11, 58, 47},
-    {"ReduceBy4", 64, 36, 16, 9},    {"Mixed", 45, 9, 101, 4},
-    {"SameSize", 19, 17, 19, 17},    {"OneColumn", 1, 9, 6, 4},
-    {"TwoToOne", 2, 2, 1, 1},        {"ToOnePixel", 23, 31, 1, 1},
+    {"Reduce", 103, 67, 41, 29}, {"Enlarge", 13, 11, 58, 47},  {"ReduceBy4", 64, 36, 16, 9},
+    {"Mixed", 45, 9, 101, 4},    {"SameSize", 19, 17, 19, 17}, {"OneColumn", 1, 9, 6, 4},
+    {"TwoToOne", 2, 2, 1, 1},    {"ToOnePixel", 23, 31, 1, 1},
 };
 
 struct Mode {
@@ -48,8 +47,8 @@ class Identical : public ResampleTest, public ::testing::WithParamInterface<Para
 TEST_P(Identical, ToReference) {
     auto [filter, shape, mode] = GetParam();
     uint32_t seed = uint32_t(filter * 7919 + shape.inW * 31 + shape.outH);
-    ref::Image source = randomImage(seed, shape.inW, shape.inH, mode.transparent, mode.keyed,
-                                    mode.keyedColour);
+    ref::Image source =
+        randomImage(seed, shape.inW, shape.inH, mode.transparent, mode.keyed, mode.keyedColour);
     if (mode.firstIsZero) source.px[0] = 0;
     if (mode.keyed) source.px[1 % source.px.size()] = mode.keyedColour;
     if (mode.transparent == 0)
@@ -58,9 +57,8 @@ TEST_P(Identical, ToReference) {
 
     Picture in(source, 3);
     in.info()->alphabits = mode.resultAlpha ? 8 : 0;
-    Picture out = runModule("Size", in,
-                            {I(shape.outW), I(shape.outH), I(filter), I(mode.respect),
-                             U(mode.chromakey)});
+    Picture out = runModule(
+        "Size", in, {I(shape.outW), I(shape.outH), I(filter), I(mode.respect), U(mode.chromakey)});
     ASSERT_EQ(out.width(), shape.outW);
     ASSERT_EQ(out.height(), shape.outH);
     ref::Image expected = ref::resize(source, shape.outW, shape.outH, filter, mode.respect,

@@ -18,18 +18,15 @@ struct KernelPoint {
 
 // Values worked out by hand from the kernel formulas.
 const KernelPoint kKernelPoints[] = {
-    {0, 0.0f, 1.0f},          {0, 0.5f, 0.6079271f},     {0, -0.5f, 0.6079271f},
-    {0, 1.5f, -0.1350949f},   {0, 2.5f, 0.0243171f},     {0, 1.0f, 0.0f},
-    {0, 3.0f, 0.0f},          {1, 0.0f, 0.8888889f},     {1, 0.5f, 0.5347222f},
-    {1, 1.0f, 0.0555556f},    {1, -1.5f, -0.0347222f},   {1, 2.0f, 0.0f},
-    {2, 0.0f, 1.0f},          {2, 0.25f, 0.84375f},      {2, -0.5f, 0.5f},
-    {2, 1.0f, 0.0f},          {3, 0.25f, 0.75f},         {3, -0.5f, 0.5f},
-    {3, 1.0f, 0.0f},          {4, 0.0f, 1.0f},           {4, 0.5f, 1.0f},
-    {4, -0.5f, 0.0f},         {4, 0.51f, 0.0f},          {5, 0.0f, 0.75f},
-    {5, 0.5f, 0.5f},          {5, -1.0f, 0.125f},        {5, 1.5f, 0.0f},
-    {6, 0.0f, 0.6666667f},    {6, 1.0f, 0.1666667f},     {6, 1.5f, 0.0208333f},
-    {6, 2.0f, 0.0f},          {7, 0.0f, 0.9f},           {7, 0.5f, 0.5f},
-    {7, 1.0f, 0.05f},         {7, 1.5f, 0.0f},           {9, 0.5f, 0.6079271f},
+    {0, 0.0f, 1.0f},         {0, 0.5f, 0.6079271f}, {0, -0.5f, 0.6079271f},  {0, 1.5f, -0.1350949f},
+    {0, 2.5f, 0.0243171f},   {0, 1.0f, 0.0f},       {0, 3.0f, 0.0f},         {1, 0.0f, 0.8888889f},
+    {1, 0.5f, 0.5347222f},   {1, 1.0f, 0.0555556f}, {1, -1.5f, -0.0347222f}, {1, 2.0f, 0.0f},
+    {2, 0.0f, 1.0f},         {2, 0.25f, 0.84375f},  {2, -0.5f, 0.5f},        {2, 1.0f, 0.0f},
+    {3, 0.25f, 0.75f},       {3, -0.5f, 0.5f},      {3, 1.0f, 0.0f},         {4, 0.0f, 1.0f},
+    {4, 0.5f, 1.0f},         {4, -0.5f, 0.0f},      {4, 0.51f, 0.0f},        {5, 0.0f, 0.75f},
+    {5, 0.5f, 0.5f},         {5, -1.0f, 0.125f},    {5, 1.5f, 0.0f},         {6, 0.0f, 0.6666667f},
+    {6, 1.0f, 0.1666667f},   {6, 1.5f, 0.0208333f}, {6, 2.0f, 0.0f},         {7, 0.0f, 0.9f},
+    {7, 0.5f, 0.5f},         {7, 1.0f, 0.05f},      {7, 1.5f, 0.0f},         {9, 0.5f, 0.6079271f},
     {-1, 1.5f, -0.1350949f},
 };
 
@@ -184,8 +181,12 @@ TEST_F(SizeModule, PointsFollowTheRatios) {
          {6, 4},
          {18, 0},
          {-6, 2}},
-        {"Eight slots do not", {I(15), I(4), I(0), I(0), U(0), R(1), R(1), R(2.0)},
-         {8, 2}, {5, 3}, {13, 0}, {-4, 1}},
+        {"Eight slots do not",
+         {I(15), I(4), I(0), I(0), U(0), R(1), R(1), R(2.0)},
+         {8, 2},
+         {5, 3},
+         {13, 0},
+         {-4, 1}},
     };
     Picture in(10, 10);
     in.info()->centerx = in.info()->centery = 5;
@@ -230,7 +231,8 @@ TEST_F(SizeModule, ValuesFromTextAsACommandLineGivesThem) {
     ASSERT_EQ(module_value_from_text(&d->params[2], "mitchell", &values[2]), 1);
     gfree(d);
     Picture in(randomImage(2, 9, 9));
-    EXPECT_EQ(runModule("Size", in, values).pixels, runModule("Size", in, sizeValues(5, 4, 1)).pixels);
+    EXPECT_EQ(runModule("Size", in, values).pixels,
+              runModule("Size", in, sizeValues(5, 4, 1)).pixels);
 }
 
 TEST_F(SizeModule, IndexedPixelsAreRefusedWithOneLine) {

@@ -109,8 +109,8 @@ inline Picture runModule(const char* name, const Picture& in, std::vector<Module
     ModuleResult result{};
     int32_t index = module_find(name);
     EXPECT_NE(index, 0) << name;
-    int ok = module_run_new(index, 1, &entry, int32_t(values.size()), values.data(), rowAlign,
-                            &result);
+    int ok =
+        module_run_new(index, 1, &entry, int32_t(values.size()), values.data(), rowAlign, &result);
     EXPECT_EQ(ok, 1) << name;
     Picture out;
     if (!ok) return out;

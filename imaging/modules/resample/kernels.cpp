@@ -85,7 +85,7 @@ float quadratic(float x) {
 }
 
 constexpr Kernel kKernels[] = {
-    {lanczos3, 3.0f}, {mitchell, 2.0f}, {cubic, 1.0f},     {linear, 1.0f},
+    {lanczos3, 3.0f}, {mitchell, 2.0f}, {cubic, 1.0f},   {linear, 1.0f},
     {point, 0.5f},    {bell, 1.5f},     {bspline, 2.0f}, {quadratic, 1.5f},
 };
 

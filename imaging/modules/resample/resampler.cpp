@@ -95,8 +95,8 @@ inline uint32_t toByte(float v) {
 // packs the four into a word.
 inline uint32_t toPixel(v4f v) {
 #ifdef __SSE2__
-    __m128 c = _mm_min_ps(_mm_max_ps(reinterpret_cast<__m128>(v), _mm_setzero_ps()),
-                          _mm_set1_ps(255.0f));
+    __m128 c =
+        _mm_min_ps(_mm_max_ps(reinterpret_cast<__m128>(v), _mm_setzero_ps()), _mm_set1_ps(255.0f));
     __m128i i = _mm_cvtps_epi32(c); // the current rounding mode: nearest, ties to even
     i = _mm_packs_epi32(i, i);
     i = _mm_packus_epi16(i, i);

@@ -30,9 +30,9 @@ struct ArgbTarget {
 };
 
 struct Options {
-    int32_t filter = 0;        // "Filter Function" value
-    bool respectAlpha = false; // skip transparent pixels, fall back to the key colour
-    uint32_t key = 0;          // the key colour as resolved by resolve_key()
+    int32_t filter = 0;         // "Filter Function" value
+    bool respectAlpha = false;  // skip transparent pixels, fall back to the key colour
+    uint32_t key = 0;           // the key colour as resolved by resolve_key()
     bool resultHasAlpha = true; // false: the result's record says 0 alpha bits
 };
 
