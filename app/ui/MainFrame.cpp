@@ -44,7 +44,15 @@ CMainFrame::CMainFrame(CZy* app) : m_App(app) {
     setWindowTitle("Zy");
 }
 
-CMainFrame::~CMainFrame() = default;
+CMainFrame::~CMainFrame() {
+    // The document windows go while this frame is still whole: their
+    // going activates others, which this frame hears of.
+    m_IdleTimer.stop();
+    if (m_MdiArea) {
+        disconnect(m_MdiArea, nullptr, this, nullptr);
+        for (QMdiSubWindow* window : m_MdiArea->subWindowList()) delete window;
+    }
+}
 
 bool CMainFrame::Create() {
     m_MdiArea = new QMdiArea;

@@ -1,1 +1,282 @@
+// The application and its main frame, started for real on the offscreen
+// platform with a settings file in a temporary folder: start-up and its
+// failure, the menus and their enable, check and text rules, undo texts
+// after a flip, several documents, the save-time format warning, the window
+// placement and bar layout, and the output window.
+
+#include "UiTestSupport.h"
+
+#include "app/ui/ChildFrame.h"
+#include "app/ui/CommandIds.h"
+#include "app/ui/ImageListView.h"
+#include "app/ui/MainFrame.h"
+#include "app/ui/OutputWindow.h"
+#include "app/ui/WindowPlacement.h"
+#include "app/ui/Zy.h"
+#include "codec/TavixBinding.h"
+#include "imaging/galloc.h"
+
 #include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMenu>
+#include <QMenuBar>
+#include <QToolBar>
+
+#include <cstdlib>
+
+using namespace uitest;
+using namespace ZyIds;
+
+namespace {
+
+// Left half red, right half blue: a flip shows.
+std::unique_ptr<CTavixImage> halves(const std::string& name) {
+    auto image = MakeImage(8, 4, 32, name, 0xFFFF0000);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 4; x < 8; ++x) reinterpret_cast<uint32_t*>(image->GetRow(y))[x] = 0xFF0000FF;
+    return image;
+}
+
+class FrameTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        m_Script.Attach(*m_Zy->Ui());
+        EnsureApplication();
+    }
+    void TearDown() override {
+        m_Zy.reset();
+        QApplication::processEvents();
+    }
+    bool Start(const QStringList& files = {}) {
+        return m_Zy->InitInstance(files, &m_Profile.Profile());
+    }
+    QString Write(const std::string& name, int count, const std::string& driver = "tvx") {
+        std::vector<std::unique_ptr<CTavixImage>> images;
+        std::vector<const CTavixImage*> pointers;
+        for (int i = 0; i < count; ++i) {
+            images.push_back(halves("img" + std::to_string(i)));
+            pointers.push_back(images.back().get());
+        }
+        return QString::fromStdString(WriteFile(m_Profile.Folder(), name, driver, pointers));
+    }
+    CMainFrame* Frame() { return m_Zy->MainFrame(); }
+    CChildFrame* Child() { return Frame()->ActiveChild(); }
+    QAction* Item(unsigned id) {
+        QAction* action = Frame()->Action(id);
+        EXPECT_NE(action, nullptr) << id;
+        Frame()->UpdateAction(action);
+        return action;
+    }
+
+    TempProfile m_Profile;
+    ScriptedUi m_Script;
+    std::unique_ptr<CZy> m_Zy = std::make_unique<CZy>();
+};
+
+TEST_F(FrameTest, StartsWithANewDocumentMenusBarsAndPanes) {
+    ASSERT_TRUE(Start());
+    EXPECT_TRUE(Frame()->isVisible());
+    ASSERT_EQ(Frame()->Children().size(), 1);
+    EXPECT_EQ(Child()->Title(), "Zy1");
+    QStringList menus;
+    for (QAction* action : Frame()->menuBar()->actions()) menus << action->text().remove('&');
+    EXPECT_EQ(menus, QStringList({"File", "Edit", "View", "List", "Image", "Tools", "Window",
+                                  "Help"}));
+    for (const char* bar : {"StandardBar", "WorksheetBar", "AnimationBar", "ChannelBar"})
+        EXPECT_NE(Frame()->Toolbar(bar), nullptr) << bar;
+    Frame()->UpdatePanes();
+    EXPECT_EQ(Frame()->PaneLabel(CMainFrame::IndexPane)->text(), "0/0");
+    EXPECT_EQ(Frame()->PaneLabel(CMainFrame::SizePane)->text(), "0KB");
+    EXPECT_EQ(Frame()->PaneLabel(CMainFrame::ZoomPane)->text(), "1:1");
+    EXPECT_GT(m_Zy->DriverCount(), 0);
+    EXPECT_EQ(m_Zy->DriverIndex("tga"), TavixFind("tga"));
+
+    EXPECT_EQ(Frame()->OutputWindow()->windowTitle(), "GPRINTF() Output Window");
+    gprintf("library says %d\n", 42);
+    EXPECT_TRUE(Frame()->OutputWindow()->Text().contains("library says 42"));
+}
+
+TEST_F(FrameTest, WithoutTheCodecLibraryNothingIsShown) {
+    const std::string saved = getenv("TAVIX_DRIVERNAME");
+    setenv("TAVIX_DRIVERNAME", "/nonexistent/libtavix.so", 1);
+    const bool started = Start();
+    setenv("TAVIX_DRIVERNAME", saved.c_str(), 1);
+    EXPECT_FALSE(started);
+    EXPECT_EQ(m_Script.m_Messages, std::vector<std::string>{"Cannot find Tavix.dll"});
+    EXPECT_EQ(m_Script.m_Captions, std::vector<std::string>{"Zy"});
+    EXPECT_EQ(Frame(), nullptr);
+}
+
+TEST_F(FrameTest, MenuItemsFollowTheRulesInAnEmptyDocument) {
+    ASSERT_TRUE(Start());
+    struct Case {
+        unsigned id;
+        bool enabled;
+    } cases[] = {
+        {FileNew, true},         {FileOpen, true},       {FileSave, true},
+        {FileSaveAs, true},      {FilePreferences, true}, {HelpAbout, true},
+        {WindowTile, true},      {WindowNext, true},     {ViewGrid, true},
+        {ViewZoomIn, false},     {Undo, false},          {FlipHorizontal, false},
+        {Rotate90CW, false},     {MergeSelected, false}, {Rgb4444, false},
+        {EditCut, false},        {EditPaste, false},     {NextImage, false},
+        {EditSelectAll, false},  {PlayForward, false},   {FileMru1, false},
+    };
+    for (const Case& c : cases) EXPECT_EQ(Item(c.id)->isEnabled(), c.enabled) << c.id;
+    EXPECT_EQ(Item(Undo)->text().toStdString(), "Can't Undo\tCtrl+Z");
+    EXPECT_FALSE(Item(ViewGrid)->isChecked());
+    EXPECT_TRUE(Item(ViewAlpha)->isChecked());
+
+    // Toggles show their state; the colour picker's is kept in "CZy".
+    Frame()->OnCommand(ViewGrid);
+    EXPECT_TRUE(Item(ViewGrid)->isChecked());
+    Frame()->OnCommand(PsxColors);
+    EXPECT_TRUE(Item(PsxColors)->isChecked());
+    EXPECT_EQ(m_Profile.Profile().GetInt("CZy", "m_PSXColorPicker", 0), 1);
+}
+
+TEST_F(FrameTest, FlipThenUndoAndRedoRenameTheUndoItem) {
+    const QString path = Write("two.tvx", 2);
+    ASSERT_TRUE(Start({path}));
+    CTavixDoc* doc = Child()->GetDocument();
+    ASSERT_EQ(doc->GetImageCount(), 2);
+    EXPECT_TRUE(Item(FlipHorizontal)->isEnabled());
+    EXPECT_TRUE(Item(NextImage)->isEnabled());
+    Child()->ListView()->First();
+    ASSERT_EQ(doc->GetImageAt(0)->GetPixelValue(0, 0), 0xFFFF0000u);
+
+    struct Step {
+        unsigned command;
+        const char* undoText;
+        uint32_t pixel;
+    } steps[] = {
+        {FlipHorizontal, "Undo Flip\tCtrl+Z", 0xFF0000FF},
+        {Undo, "Redo Flip\tCtrl+Z", 0xFFFF0000},
+        {Undo, "Undo Flip\tCtrl+Z", 0xFF0000FF},
+    };
+    for (const Step& step : steps) {
+        Frame()->OnCommand(step.command);
+        EXPECT_EQ(Item(Undo)->text().toStdString(), step.undoText);
+        EXPECT_TRUE(Item(Undo)->isEnabled());
+        EXPECT_EQ(doc->GetImageAt(0)->GetPixelValue(0, 0), step.pixel);
+    }
+    EXPECT_EQ(doc->GetImageAt(1)->GetPixelValue(0, 0), 0xFFFF0000u); // not selected
+    EXPECT_TRUE(doc->IsModified());
+    EXPECT_TRUE(m_Script.m_Exceptions.empty());
+}
+
+TEST_F(FrameTest, OpensSeveralFilesSideBySideAndRemembersThem) {
+    const QString a = Write("a.tvx", 1), b = Write("b.tvx", 3);
+    ASSERT_TRUE(Start({a, b}));
+    EXPECT_EQ(Frame()->Children().size(), 2);
+    EXPECT_EQ(m_Zy->RecentFiles(), QStringList({b, a}));
+    EXPECT_EQ(m_Profile.Profile().GetString("Recent File List", "File1", ""), b.toStdString());
+    EXPECT_TRUE(Item(FileMru2)->isVisible());
+    EXPECT_FALSE(Item(FileMru3)->isVisible());
+    EXPECT_NE(m_Zy->OpenDocumentFile(a), nullptr); // already open: no second window
+    EXPECT_EQ(Frame()->Children().size(), 2);
+    EXPECT_EQ(Child()->Title(), "a.tvx");
+    Frame()->OnCommand(WindowNext);
+    EXPECT_EQ(Child()->Title(), "b.tvx");
+    Frame()->UpdatePanes();
+    EXPECT_EQ(Frame()->PaneLabel(CMainFrame::IndexPane)->text(), "1/3 (index 0)");
+}
+
+TEST_F(FrameTest, StartFailsWhenNoNamedFileOpens) {
+    EXPECT_FALSE(Start({m_Profile.Folder() + "/missing.tvx"}));
+    EXPECT_FALSE(m_Script.m_Messages.empty());
+}
+
+TEST_F(FrameTest, SaveAsAnotherFormatWarnsAndCancelLeavesEverything) {
+    const QString path = Write("two.tvx", 2);
+    ASSERT_TRUE(Start({path}));
+    CTavixDoc* doc = Child()->GetDocument();
+    const int type = doc->GetFileType();
+    const QString target = m_Profile.Folder() + "/two.tga";
+    m_Script.m_FilePath = target.toStdString();
+    m_Script.m_FileType = TavixFind("tga");
+    m_Script.m_Answer = MsgAnswer::Cancel;
+    Frame()->OnCommand(FileSaveAs);
+    ASSERT_EQ(m_Script.m_Messages.size(), 1u);
+    const std::string& warning = m_Script.m_Messages[0];
+    EXPECT_EQ(warning.rfind("WARNING: The file format you have chosen does not support all of the "
+                            "options present in the current document.\nThe options not supported "
+                            "are:\n",
+                            0),
+              0u);
+    EXPECT_NE(warning.find("    - multiple images\n"), std::string::npos);
+    EXPECT_FALSE(QFileInfo::exists(target));
+    EXPECT_EQ(doc->GetFileType(), type);
+    EXPECT_EQ(Child()->Title(), "two.tvx");
+}
+
+TEST_F(FrameTest, SaveAsAFormatThatHoldsEverythingWritesAtOnce) {
+    const QString path = Write("one.tvx", 1);
+    ASSERT_TRUE(Start({path}));
+    const QString target = m_Profile.Folder() + "/one.tga";
+    m_Script.m_FilePath = target.toStdString();
+    m_Script.m_FileType = TavixFind("tga");
+    Frame()->OnCommand(FileSaveAs);
+    EXPECT_TRUE(m_Script.m_Messages.empty());
+    EXPECT_TRUE(QFileInfo::exists(target));
+    EXPECT_EQ(Child()->Title(), "one.tga");
+    EXPECT_EQ(m_Zy->RecentFiles().front(), target);
+}
+
+TEST(WindowPlacementStore, MinimisedAndMaximisedAreNotWritten) {
+    TempProfile profile;
+    struct Case {
+        int showCmd;
+        bool written;
+    } cases[] = {{CWindowPlacement::Normal, true},
+                 {CWindowPlacement::Minimized, false},
+                 {CWindowPlacement::Maximized, false}};
+    for (const Case& c : cases) {
+        CWindowPlacement placement;
+        placement.showCmd = c.showCmd;
+        placement.left = 10 * c.showCmd;
+        const std::string section = "W" + std::to_string(c.showCmd);
+        EXPECT_EQ(WriteWindowPlacement(profile.Profile(), section, placement), c.written);
+        EXPECT_EQ(profile.Has(section, "wp.left"), c.written);
+        for (const char* key : {"wp.showCmd", "wp.flags", "wp.ptMinPosition.x", "wp.ptMinPosition.y",
+                                "wp.ptMaxPosition.x", "wp.ptMaxPosition.y", "wp.right", "wp.top",
+                                "wp.bottom"})
+            EXPECT_EQ(profile.Has(section, key), c.written) << key;
+    }
+    // Reading takes the current values where nothing is stored.
+    CWindowPlacement current;
+    current.left = 5;
+    current.right = 99;
+    profile.Profile().WriteInt("Main Window", "wp.left", 7);
+    const CWindowPlacement read = ReadWindowPlacement(profile.Profile(), "Main Window", current);
+    EXPECT_EQ(read.left, 7);
+    EXPECT_EQ(read.right, 99);
+}
+
+TEST_F(FrameTest, ClosingKeepsPlacementAndBarLayoutButNotAMaximisedOne) {
+    CQtProfile& p = m_Profile.Profile();
+    for (auto [key, value] : {std::pair{"wp.showCmd", 1}, {"wp.left", 30}, {"wp.top", 40},
+                              {"wp.right", 830}, {"wp.bottom", 640}})
+        p.WriteInt("Main Window", key, value);
+    ASSERT_TRUE(Start());
+    EXPECT_EQ(Frame()->geometry(), QRect(30, 40, 800, 600));
+    Frame()->setGeometry(50, 60, 700, 500);
+    Frame()->close();
+    EXPECT_EQ(p.GetInt("Main Window", "wp.left", 0), 50);
+    EXPECT_EQ(p.GetInt("Main Window", "wp.bottom", 0), 560);
+    EXPECT_FALSE(p.GetString("ToolBarSettings", "State", "").empty());
+
+    m_Zy = std::make_unique<CZy>();
+    m_Script.Attach(*m_Zy->Ui());
+    ASSERT_TRUE(Start());
+    Frame()->showMaximized();
+    QApplication::processEvents();
+    Frame()->close();
+    EXPECT_EQ(p.GetInt("Main Window", "wp.left", 0), 50);
+    EXPECT_EQ(p.GetInt("Main Window", "wp.bottom", 0), 560);
+}
+
+} // namespace

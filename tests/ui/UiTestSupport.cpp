@@ -1,10 +1,13 @@
 #include "UiTestSupport.h"
 
 #include "app/doc/UserInterface.h"
+#include "codec/TavixBinding.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QSettings>
+
+#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -42,12 +45,18 @@ bool TempProfile::Has(const std::string& section, const std::string& entry) cons
 
 ScriptedUi::ScriptedUi() {
     EnsureApplication();
-    m_Ui.SetMessageHook([this](const std::string& text, MsgButtons, MsgIcon,
-                               const std::string&) -> std::optional<MsgAnswer> {
+    Attach(m_Ui);
+    m_Previous = ZySetUi(&m_Ui);
+}
+
+void ScriptedUi::Attach(CQtUserInterface& ui) {
+    ui.SetMessageHook([this](const std::string& text, MsgButtons, MsgIcon,
+                             const std::string& caption) -> std::optional<MsgAnswer> {
         m_Messages.push_back(text);
+        m_Captions.push_back(caption);
         return m_Answer;
     });
-    m_Ui.SetDialogHook([this](CDialogData& data) -> std::optional<bool> {
+    ui.SetDialogHook([this](CDialogData& data) -> std::optional<bool> {
         m_Dialogs.push_back(data.GetDialogName());
         if (auto* file = dynamic_cast<CFileDialogData*>(&data)) {
             file->m_Path = m_FilePath;
@@ -55,8 +64,7 @@ ScriptedUi::ScriptedUi() {
         }
         return m_DialogOk;
     });
-    m_Ui.SetExceptionHook([this](const CExceptionDlgTexts& texts) { m_Exceptions.push_back(texts); });
-    m_Previous = ZySetUi(&m_Ui);
+    ui.SetExceptionHook([this](const CExceptionDlgTexts& texts) { m_Exceptions.push_back(texts); });
 }
 
 ScriptedUi::~ScriptedUi() {
@@ -91,6 +99,21 @@ std::unique_ptr<CTavixDoc> MakeDocument(int count) {
                          MakeImage(8, 8, 32, "img" + std::to_string(i)).release());
     doc->SetModifiedFlag(false);
     return doc;
+}
+
+std::string WriteFile(const QString& folder, const std::string& name, const std::string& driver,
+                      const std::vector<const CTavixImage*>& images) {
+    EnsureApplication();
+    if (!TavixIsBound()) TavixBind();
+    std::vector<TavixFrame> frames;
+    for (const CTavixImage* image : images) frames.push_back(image->ToFrame());
+    std::vector<const TavixFrame*> pointers;
+    for (const TavixFrame& frame : frames) pointers.push_back(&frame);
+    const std::string path = QDir(folder).filePath(QString::fromStdString(name)).toStdString();
+    std::string error;
+    if (!TavixWriteFile(path, TavixFind(driver.c_str()), pointers, error))
+        ADD_FAILURE() << "cannot write " << path << ": " << error;
+    return path;
 }
 
 } // namespace uitest

@@ -43,8 +43,11 @@ class ScriptedUi {
     ScriptedUi();
     ~ScriptedUi();
     CQtUserInterface& Ui() { return m_Ui; }
+    // Answers for another interface too (the one an application made).
+    void Attach(CQtUserInterface& ui);
 
     std::vector<std::string> m_Messages;
+    std::vector<std::string> m_Captions;
     std::vector<std::string> m_Dialogs;
     std::vector<CExceptionDlgTexts> m_Exceptions;
     MsgAnswer m_Answer = MsgAnswer::OK;
@@ -66,5 +69,10 @@ std::unique_ptr<CTavixImage> MakeImage(int width, int height, int bpp, const std
 void Fill(CTavixImage& image, uint32_t value);
 // A document holding `count` 8x8 32-bit images named "img0" ...
 std::unique_ptr<CTavixDoc> MakeDocument(int count);
+
+// Writes `images` as a file of the codec driver `driver` ("tvx", "tga"...)
+// through the real codec library (bound here when it is not yet).
+std::string WriteFile(const QString& folder, const std::string& name, const std::string& driver,
+                      const std::vector<const CTavixImage*>& images);
 
 } // namespace uitest
