@@ -97,6 +97,30 @@ TEST_F(ShapeLibrary, DemoSamplesHoldWhatTheGeneratorDrew) {
     EXPECT_EQ(ssh.frames[6].info->subtype, 0x05);
 }
 
+TEST_F(ShapeLibrary, AboutRecordsStateWhatTheDriversDo) {
+    struct { const char* name; const char* description; const char* extension; uint32_t id; } drivers[] = {
+        {"newfsh", "FSH - PC Shape File", ".fsh", 0x46534800}, {"newssh", "SSH - PS2 Shape File", ".ssh", 0x53534800},
+        {"newxsh", "XSH - XBOX Shape File", ".xsh", 0x58534800}, {"newgsh", "GSH - GameCube Shape File", ".gsh", 0x47534800}};
+    for (const auto& d : drivers) {
+        TavixSet(TavixFind(d.name));
+        TavixAboutPtr about(TavixAboutDriver());
+        ASSERT_TRUE(about) << d.name;
+        EXPECT_EQ(about->formatid, d.id);
+        EXPECT_STREQ(about->description, d.description);
+        EXPECT_STREQ(about->extensions[0], d.extension);
+        EXPECT_STREQ(about->extensions[1], "");
+        // Writes palette and true-colour images, many per file, packed; no
+        // start colour, at most 256 colours, any name length; keeps the mip
+        // bit but not the rotation and transpose bits.
+        EXPECT_EQ(about->caps, kCapRead | kCapWrite | kCapPalette | kCapTrueColour | kCapMultiImage | kCapPacked);
+        EXPECT_EQ(about->colourlimit, 256);
+        EXPECT_EQ(about->namelimit, 0);
+    }
+    TavixSet(TavixFind("newgsh"));
+    TavixAboutPtr gsh(TavixAboutDriver());
+    EXPECT_NE(std::string(gsh->notes).find("Experimental"), std::string::npos);
+}
+
 class ShapeLibraryVariants : public ShapeLibrary, public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(ShapeLibraryVariants, EveryDemoFrameReadsBackAfterASave) {

@@ -86,6 +86,7 @@ class ShapeReader : public FrameReader {
         // once; chains that overlap (or a directory that names one record
         // many times) run out of this budget instead of taking forever.
         m_chainBudget = m_file.size() / 4 + 64;
+        m_byteBudget = 2 * m_file.size() + 65536;
         for (size_t i = 0; i < m_entries.size(); ++i) parseEntry(static_cast<int>(i));
         findGlobalPalette();
         for (size_t i = 0; i < m_entries.size(); ++i) resolvePalette(static_cast<int>(i));
@@ -139,6 +140,7 @@ class ShapeReader : public FrameReader {
     int m_global = -1;
     int m_reports = 0;
     size_t m_chainBudget = 0;
+    size_t m_byteBudget = 0; // record bytes the chains may cover, likewise
     int m_cacheEntry = -1;
     Bytes m_cache;
     size_t m_cacheConsumed = 0;
@@ -229,9 +231,11 @@ void ShapeReader::walkChain(Entry& e) {
         const uint32_t next = u24at(pos + 1);
         if (next != 0 && next < 4) fail("the record at %zu points %u bytes on, inside itself", pos, next);
         if (next > size - pos) fail("the record at %zu points %u bytes on, past the end of the file", pos, next);
-        if (m_chainBudget == 0) fail("its records overlap other entries' records");
+        const size_t end = next ? pos + next : boundaryAfter(pos);
+        if (m_chainBudget == 0 || m_byteBudget < end - pos) fail("its records overlap other entries' records");
         --m_chainBudget;
-        e.chain.push_back({pos, next ? pos + next : boundaryAfter(pos), m_file[pos], 0});
+        m_byteBudget -= end - pos;
+        e.chain.push_back({pos, end, m_file[pos], 0});
         if (next == 0) return;
         pos += next;
         // Some writers give the last record's block size instead of 0: the

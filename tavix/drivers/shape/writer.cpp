@@ -439,7 +439,10 @@ void ShapeWriter::writeEntry(const Plan& plan, Bytes& out) {
         const size_t padded = (b.size() + 15) & ~size_t{15};
         const bool last = i + 1 == pieces.size();
         const size_t next = last && !nextIsSize ? 0 : padded;
-        if (next > 0xFFFFFF) fail("a record of %zu bytes is too large for its 24-bit next offset", padded);
+        if (next > 0xFFFFFF)
+            fail("\"%s\": a record of %zu bytes leaves no room for the records after it (next offsets have "
+                 "24 bits); drop its name, comment and hot spots or make it smaller",
+                 f.info.framename, padded);
         set24(&b[1], static_cast<uint32_t>(next), big());
         out.insert(out.end(), b.begin(), b.end());
         out.resize(out.size() + (padded - b.size()), 0);
