@@ -33,7 +33,7 @@ constexpr uint32_t kCoreHeader = 12, kInfoHeader = 40, kV4Header = 108, kV5Heade
 enum Compression : uint32_t { kRgb = 0, kRle8 = 1, kRle4 = 2, kBitFields = 3, kAlphaBitFields = 6 };
 // Packed bitmaps can skip whole areas cheaply, so only a loose bound holds.
 constexpr uint64_t kMaxRleInflation = 4096;
-constexpr uint64_t kFreeRlePixels = uint64_t{1} << 22;
+constexpr uint64_t kFreeRlePixels = uint64_t{1} << 20;
 constexpr double kMetresPerInch = 0.0254;
 
 struct BmpLayout {
@@ -117,8 +117,11 @@ void readInfoHeader(ByteReader& in, BmpLayout& b) {
     in.skip(4); // important colours
     bool masks = b.compression == kBitFields || b.compression == kAlphaBitFields;
     if (b.headerSize >= 52 || masks) {
-        // The masks follow a 40-byte header, or are part of a longer one.
-        int count = b.headerSize >= 56 || b.compression == kAlphaBitFields ? 4 : 3;
+        // The masks follow a 40-byte header, or are part of a longer one
+        // (a 52-byte header has room for no alpha mask).
+        bool alphaMask =
+            b.headerSize >= 56 || (b.headerSize == kInfoHeader && b.compression == kAlphaBitFields);
+        int count = alphaMask ? 4 : 3;
         for (int i = 0; i < count; ++i)
             b.masks[i] = in.u32le();
     }
