@@ -32,8 +32,12 @@ intptr_t openWrite(const char* path) {
     int fd = open(path, O_RDWR | O_CREAT | O_TRUNC, 0666);
     return fd > 0 ? fd : 0;
 }
-int closeStream(intptr_t s) { return s == 0 || close(static_cast<int>(s)) == 0; }
-int32_t readStream(intptr_t s, void* b, int32_t n) { return static_cast<int32_t>(read(static_cast<int>(s), b, n)); }
+int closeStream(intptr_t s) {
+    return s == 0 || close(static_cast<int>(s)) == 0;
+}
+int32_t readStream(intptr_t s, void* b, int32_t n) {
+    return static_cast<int32_t>(read(static_cast<int>(s), b, n));
+}
 int32_t writeStream(intptr_t s, const void* b, int32_t n) {
     return static_cast<int32_t>(write(static_cast<int>(s), b, n));
 }
@@ -47,13 +51,19 @@ int64_t sizeOf(intptr_t s) {
     lseek(static_cast<int>(s), at, SEEK_SET);
     return end;
 }
-int64_t tellStream(intptr_t s) { return lseek(static_cast<int>(s), 0, SEEK_CUR); }
-void* allocate(int32_t n) { return malloc(static_cast<size_t>(n)); }
+int64_t tellStream(intptr_t s) {
+    return lseek(static_cast<int>(s), 0, SEEK_CUR);
+}
+void* allocate(int32_t n) {
+    return malloc(static_cast<size_t>(n));
+}
 int release(void* p) {
     free(p);
     return 1;
 }
-void print(const char* text) { fputs(text, stderr); }
+void print(const char* text) {
+    fputs(text, stderr);
+}
 
 // ---------------------------------------------------------------- frames
 
@@ -104,13 +114,15 @@ Sprite ship() {
             const double alpha = std::clamp((1.0 - d) * 8.0, 0.0, 1.0);
             const double light = 0.55 + 0.45 * std::clamp(-(dx + dy) * 0.7, -1.0, 1.0);
             const bool window = std::fabs(dx) < 0.25 && dy > -0.5 && dy < -0.1;
-            s.argb[y * n + x] = window ? pack(alpha, 0.3, 0.8 * light, 1.0) : pack(alpha, 0.8 * light, 0.3 * light, 0.2);
+            s.argb[y * n + x] = window ? pack(alpha, 0.3, 0.8 * light, 1.0)
+                                       : pack(alpha, 0.8 * light, 0.3 * light, 0.2);
         }
     s.info.centerx = n / 2;
     s.info.centery = n / 2;
     s.info.defaultx = 16;
     s.info.defaulty = 24;
-    snprintf(s.info.comment, sizeof s.info.comment, "Soft-edged sprite: alpha falls off at the rim");
+    snprintf(s.info.comment, sizeof s.info.comment,
+             "Soft-edged sprite: alpha falls off at the rim");
     s.info.numhotspots = 2;
     s.info.hotspots[0] = {32, 4};  // the nose
     s.info.hotspots[1] = {32, 60}; // the exhaust
@@ -136,15 +148,18 @@ Sprite coin(int k, const std::vector<uint32_t>& palette) {
     Sprite s = newSprite(name, n, n, true);
     s.info.subtype = 0x7B;
     s.info.numcolours = 256;
-    for (int i = 0; i < 256; ++i) setColour(s.info, i, palette[i]);
+    for (int i = 0; i < 256; ++i)
+        setColour(s.info, i, palette[i]);
     const double squash = std::max(0.12, std::fabs(std::cos(k * M_PI / 8.0)));
     for (int y = 0; y < n; ++y)
         for (int x = 0; x < n; ++x) {
-            const double dx = (x + 0.5 - n / 2.0) / (n / 2.0 - 1) / squash, dy = (y + 0.5 - n / 2.0) / (n / 2.0 - 1);
+            const double dx = (x + 0.5 - n / 2.0) / (n / 2.0 - 1) / squash,
+                         dy = (y + 0.5 - n / 2.0) / (n / 2.0 - 1);
             const double d = dx * dx + dy * dy;
             if (d > 1.0) continue;
             const double shade = 0.5 + 0.5 * (1.0 - d) - (d > 0.7 ? 0.25 : 0.0);
-            s.indices[y * n + x] = static_cast<uint8_t>(std::clamp(1.0 + shade * 254.0, 1.0, 255.0));
+            s.indices[y * n + x] =
+                static_cast<uint8_t>(std::clamp(1.0 + shade * 254.0, 1.0, 255.0));
         }
     s.info.centerx = n / 2;
     s.info.centery = n / 2;
@@ -192,9 +207,11 @@ std::vector<Sprite> texture() {
                 uint32_t sum[4] = {};
                 for (int j = 0; j < 4; ++j) {
                     const uint32_t c = up.argb[(2 * y + j / 2) * up.info.width + 2 * x + j % 2];
-                    for (int ch = 0; ch < 4; ++ch) sum[ch] += (c >> (8 * ch)) & 255;
+                    for (int ch = 0; ch < 4; ++ch)
+                        sum[ch] += (c >> (8 * ch)) & 255;
                 }
-                m.argb[y * w + x] = (sum[3] + 2) / 4 << 24 | (sum[2] + 2) / 4 << 16 | (sum[1] + 2) / 4 << 8 | (sum[0] + 2) / 4;
+                m.argb[y * w + x] = (sum[3] + 2) / 4 << 24 | (sum[2] + 2) / 4 << 16 |
+                                    (sum[1] + 2) / 4 << 8 | (sum[0] + 2) / 4;
             }
         levels.push_back(m);
     }
@@ -222,7 +239,8 @@ Sprite icon() {
     s.info.subtype = 0x7A;
     s.info.bpp = 4;
     s.info.numcolours = 16;
-    for (int i = 0; i < 16; ++i) setColour(s.info, i, i == 0 ? 0x00000000 : pack(1.0, i / 15.0, 1.0 - i / 15.0, 0.5));
+    for (int i = 0; i < 16; ++i)
+        setColour(s.info, i, i == 0 ? 0x00000000 : pack(1.0, i / 15.0, 1.0 - i / 15.0, 0.5));
     for (int y = 0; y < 16; ++y)
         for (int x = 0; x < 16; ++x) {
             const int ring = std::max(std::abs(x * 2 - 15), std::abs(y * 2 - 15)) / 2;
@@ -235,9 +253,11 @@ std::vector<Sprite> demo() {
     std::vector<Sprite> all;
     all.push_back(ship());
     const std::vector<uint32_t> palette = coinPalette();
-    for (int k = 0; k < 4; ++k) all.push_back(coin(k, palette));
+    for (int k = 0; k < 4; ++k)
+        all.push_back(coin(k, palette));
     all.push_back(globalPalette(palette));
-    for (Sprite& level : texture()) all.push_back(level);
+    for (Sprite& level : texture())
+        all.push_back(level);
     all.push_back(banner());
     all.push_back(icon());
     return all;
@@ -259,7 +279,8 @@ bool writeFile(const std::string& path, const char* driverName, std::vector<Spri
     bool ok = TAVIX_wopen_16(&writer, stream, path.c_str(), static_cast<int>(sprites.size())) != 0;
     for (Sprite& s : sprites) {
         if (!ok) break;
-        const void* pixels = s.indexed() ? static_cast<const void*>(s.indices.data()) : s.argb.data();
+        const void* pixels =
+            s.indexed() ? static_cast<const void*>(s.indices.data()) : s.argb.data();
         const int32_t pitch = s.info.width * (s.indexed() ? 1 : 4);
         ok = TAVIX_write_16(writer, &s.info, pixels, pitch) != 0;
     }
@@ -276,8 +297,8 @@ int main(int argc, char** argv) {
         fprintf(stderr, "usage: make_demo <output folder>\n");
         return 2;
     }
-    const TavixCallbacks callbacks = {openRead, openWrite, closeStream, readStream, writeStream,
-                                      seekStream, sizeOf, tellStream, allocate, release};
+    const TavixCallbacks callbacks = {openRead,   openWrite, closeStream, readStream, writeStream,
+                                      seekStream, sizeOf,    tellStream,  allocate,   release};
     TAVIX_installcallbacks64_4(&callbacks);
     TAVIX_installprint_4(print);
     if (!TAVIX_init_0()) return 1;
@@ -286,7 +307,8 @@ int main(int argc, char** argv) {
     bool ok = writeFile(folder + "/demo.fsh", "newfsh", sprites);
     // The PS2 file takes the same frames; the writer picks the PS2 records
     // (8-bit indexed, 32-bit) for what the PC records do not exist there.
-    for (Sprite& s : sprites) s.info.subtype = 0;
+    for (Sprite& s : sprites)
+        s.info.subtype = 0;
     ok = writeFile(folder + "/demo.ssh", "newssh", sprites) && ok;
     TAVIX_restore_0();
     return ok ? 0 : 1;

@@ -13,7 +13,9 @@ namespace refpack = tavix::refpack;
 
 namespace {
 
-Blob str(const std::string& s) { return Blob(s.begin(), s.end()); }
+Blob str(const std::string& s) {
+    return Blob(s.begin(), s.end());
+}
 
 // A stream with a 3-byte size header around `commands`.
 Blob stream(size_t size, const Blob& commands) {
@@ -24,7 +26,8 @@ Blob stream(size_t size, const Blob& commands) {
 
 Blob cat(std::initializer_list<Blob> parts) {
     Blob out;
-    for (const Blob& p : parts) out.insert(out.end(), p.begin(), p.end());
+    for (const Blob& p : parts)
+        out.insert(out.end(), p.begin(), p.end());
     return out;
 }
 
@@ -36,7 +39,8 @@ Blob decoded(const Blob& s, size_t limit = 1 << 24) {
 Blob randomBytes(size_t n, unsigned seed) {
     std::mt19937 rng(seed);
     Blob b(n);
-    for (uint8_t& v : b) v = static_cast<uint8_t>(rng());
+    for (uint8_t& v : b)
+        v = static_cast<uint8_t>(rng());
     return b;
 }
 
@@ -80,7 +84,8 @@ std::vector<StreamCase> streamCases() {
     Blob sized = {0x90, 0xFB, 0, 0, 0, 8};
     Blob end8 = {0xE0, 'a', 'b', 'c', 'd', 0xE0, 'e', 'f', 'g', 'h', 0xFC};
     return {
-        {"literals_and_end_literals", stream(10, {0xE0, 'a', 'b', 'c', 'd', 0xE0, 'e', 'f', 'g', 'h', 0xFE, 'i', 'j'}),
+        {"literals_and_end_literals",
+         stream(10, {0xE0, 'a', 'b', 'c', 'd', 0xE0, 'e', 'f', 'g', 'h', 0xFE, 'i', 'j'}),
          str("abcdefghij")},
         // 00-7F: P = 3 literals, L = 6, D = 3.
         {"short_copy", stream(9, {0x0F, 0x02, 'a', 'b', 'c', 0xFC}), str("abcabcabc")},
@@ -89,14 +94,19 @@ std::vector<StreamCase> streamCases() {
         // 80-BF: P = 2 in b1's top bits, L = 10, D = 2.
         {"medium_copy", stream(12, {0x86, 0x80, 0x01, 'h', 'i', 0xFC}), str("hihihihihihi")},
         // 80-BF with a distance that needs b1's low bits: D = 300.
-        {"medium_far", stream(320, cat({literalCommands(mid), {0x80 | (20 - 4), 0x01, 0x2B, 0xFC}})), midExpected},
+        {"medium_far",
+         stream(320, cat({literalCommands(mid), {0x80 | (20 - 4), 0x01, 0x2B, 0xFC}})),
+         midExpected},
         // C0-DF: D = 70000 needs the 0x10 bit of b0, L = 600 its 0x0C bits.
         {"long_copy", Blob(), farExpected},
         // Flag 0x80: 4-byte sizes.
-        {"four_byte_size", cat({sized, {0xE0, 'a', 'b', 'c', 'd', 0xE0, 'e', 'f', 'g', 'h', 0xFC}}), str("abcdefgh")},
+        {"four_byte_size", cat({sized, {0xE0, 'a', 'b', 'c', 'd', 0xE0, 'e', 'f', 'g', 'h', 0xFC}}),
+         str("abcdefgh")},
         // Flag 0x01: a compressed-size field comes before the size.
-        {"compressed_size_field", cat({{0x11, 0xFB, 0, 0, uint8_t(end8.size() + 8), 0, 0, 8}, end8}), str("abcdefgh")},
-        {"both_flags", cat({{0x91, 0xFB, 0, 0, 0, uint8_t(end8.size() + 10), 0, 0, 0, 8}, end8}), str("abcdefgh")},
+        {"compressed_size_field",
+         cat({{0x11, 0xFB, 0, 0, uint8_t(end8.size() + 8), 0, 0, 8}, end8}), str("abcdefgh")},
+        {"both_flags", cat({{0x91, 0xFB, 0, 0, 0, uint8_t(end8.size() + 10), 0, 0, 0, 8}, end8}),
+         str("abcdefgh")},
     };
 }
 
@@ -106,8 +116,8 @@ std::vector<StreamCase> allStreamCases() {
         if (c.stream.empty()) {
             Blob far(c.expected.begin(), c.expected.begin() + 70000);
             const size_t d = 70000 - 1, l = 600 - 5;
-            Blob copy = {uint8_t(0xC0 | ((d >> 12) & 0x10) | ((l >> 6) & 0x0C)), uint8_t(d >> 8), uint8_t(d), uint8_t(l),
-                         0xFC};
+            Blob copy = {uint8_t(0xC0 | ((d >> 12) & 0x10) | ((l >> 6) & 0x0C)), uint8_t(d >> 8),
+                         uint8_t(d), uint8_t(l), 0xFC};
             c.stream = stream(c.expected.size(), cat({literalCommands(far), copy}));
         }
     return cases;
@@ -118,7 +128,11 @@ INSTANTIATE_TEST_SUITE_P(Commands, RefPackDecode, ::testing::ValuesIn(allStreamC
 
 TEST(RefPack, HostileStreamsFailCleanly) {
     LibraryHost host;
-    struct { const char* name; Blob stream; size_t limit; } cases[] = {
+    struct {
+        const char* name;
+        Blob stream;
+        size_t limit;
+    } cases[] = {
         {"copy before the start", stream(8, {0x0C, 0x04, 0xFC}), 1 << 20},
         {"copy past the declared size", stream(5, {0x0F, 0x02, 'a', 'b', 'c', 0xFC}), 1 << 20},
         {"literals past the declared size", stream(3, {0xE0, 'a', 'b', 'c', 'd', 0xFC}), 1 << 20},
@@ -148,20 +162,24 @@ TEST(RefPack, PeekReadsOnlyTheStart) {
 TEST(RefPack, CompressorOutputDecodesToItsInput) {
     LibraryHost host;
     std::vector<Blob> inputs;
-    for (size_t n : {0, 1, 2, 3, 4, 5, 7, 100, 1029, 70000, 300000}) inputs.push_back(randomBytes(n, unsigned(n)));
+    for (size_t n : {0, 1, 2, 3, 4, 5, 7, 100, 1029, 70000, 300000})
+        inputs.push_back(randomBytes(n, unsigned(n)));
     Blob twice = randomBytes(90000, 7);
     twice.insert(twice.end(), twice.begin(), twice.end()); // matches 90000 back: 4-byte commands
     inputs.push_back(twice);
-    inputs.push_back(Blob(1 << 20, 0));                                   // runs longer than one copy
+    inputs.push_back(Blob(1 << 20, 0)); // runs longer than one copy
     Blob mixed;
-    for (int i = 0; i < 200000; ++i) mixed.push_back(uint8_t(i % 7 == 0 ? i * 13 : i / 50));
+    for (int i = 0; i < 200000; ++i)
+        mixed.push_back(uint8_t(i % 7 == 0 ? i * 13 : i / 50));
     inputs.push_back(mixed);
     for (const Blob& in : inputs) {
         tavix::Bytes packed = refpack::encode(in);
-        EXPECT_EQ(decoded(Blob(packed.begin(), packed.end()), in.size() + 1), in) << in.size() << " bytes";
+        EXPECT_EQ(decoded(Blob(packed.begin(), packed.end()), in.size() + 1), in)
+            << in.size() << " bytes";
     }
     tavix::Bytes again = refpack::encode(twice);
-    EXPECT_LT(again.size(), twice.size() * 6 / 10) << "the second copy must be found 90000 bytes back";
+    EXPECT_LT(again.size(), twice.size() * 6 / 10)
+        << "the second copy must be found 90000 bytes back";
 }
 
 TEST(RefPack, CompressorRatioOnRepetitiveData) {
@@ -176,7 +194,8 @@ TEST(RefPack, CompressorRatioOnRepetitiveData) {
         }
     tavix::Bytes packed = refpack::encode(pixels);
     const double ratio = double(packed.size()) / double(pixels.size());
-    printf("RefPack: %zu bytes -> %zu bytes (%.2f%% of the input)\n", pixels.size(), packed.size(), 100 * ratio);
+    printf("RefPack: %zu bytes -> %zu bytes (%.2f%% of the input)\n", pixels.size(), packed.size(),
+           100 * ratio);
     RecordProperty("refpack_ratio_percent", static_cast<int>(100 * ratio));
     EXPECT_LT(ratio, 0.05);
     EXPECT_EQ(decoded(Blob(packed.begin(), packed.end()), pixels.size()), pixels);

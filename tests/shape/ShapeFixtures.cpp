@@ -10,29 +10,37 @@
 namespace shapetest {
 
 void Endian::u16(Blob& b, uint32_t v) const {
-    if (big) b.insert(b.end(), {uint8_t(v >> 8), uint8_t(v)});
-    else b.insert(b.end(), {uint8_t(v), uint8_t(v >> 8)});
+    if (big)
+        b.insert(b.end(), {uint8_t(v >> 8), uint8_t(v)});
+    else
+        b.insert(b.end(), {uint8_t(v), uint8_t(v >> 8)});
 }
 void Endian::u24(Blob& b, uint32_t v) const {
-    if (big) b.insert(b.end(), {uint8_t(v >> 16), uint8_t(v >> 8), uint8_t(v)});
-    else b.insert(b.end(), {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16)});
+    if (big)
+        b.insert(b.end(), {uint8_t(v >> 16), uint8_t(v >> 8), uint8_t(v)});
+    else
+        b.insert(b.end(), {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16)});
 }
 void Endian::u32(Blob& b, uint32_t v) const {
-    if (big) b.insert(b.end(), {uint8_t(v >> 24), uint8_t(v >> 16), uint8_t(v >> 8), uint8_t(v)});
-    else b.insert(b.end(), {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)});
+    if (big)
+        b.insert(b.end(), {uint8_t(v >> 24), uint8_t(v >> 16), uint8_t(v >> 8), uint8_t(v)});
+    else
+        b.insert(b.end(), {uint8_t(v), uint8_t(v >> 8), uint8_t(v >> 16), uint8_t(v >> 24)});
 }
 
-Rec bitmap(const Endian& e, uint8_t id, int w, int h, const Blob& pixels, int cx, int cy, uint32_t xword,
-           uint32_t yword) {
+Rec bitmap(const Endian& e, uint8_t id, int w, int h, const Blob& pixels, int cx, int cy,
+           uint32_t xword, uint32_t yword) {
     Rec r{id, {}};
-    for (uint32_t v : {uint32_t(w), uint32_t(h), uint32_t(cx), uint32_t(cy), xword, yword}) e.u16(r.body, v);
+    for (uint32_t v : {uint32_t(w), uint32_t(h), uint32_t(cx), uint32_t(cy), xword, yword})
+        e.u16(r.body, v);
     r.body.insert(r.body.end(), pixels.begin(), pixels.end());
     return r;
 }
 
 Rec palette(const Endian& e, uint8_t id, int count, const Blob& entries) {
     Rec r{id, {}};
-    for (uint32_t v : {uint32_t(count), 1u, uint32_t(count), 0u, 0u, 0u}) e.u16(r.body, v);
+    for (uint32_t v : {uint32_t(count), 1u, uint32_t(count), 0u, 0u, 0u})
+        e.u16(r.body, v);
     r.body.insert(r.body.end(), entries.begin(), entries.end());
     return r;
 }
@@ -60,13 +68,17 @@ Rec hotspots(const Endian& e, std::initializer_list<std::pair<int32_t, int32_t>>
     return r;
 }
 
-Rec raw(uint8_t id, const Blob& body) { return Rec{id, body}; }
-
-static void pad16(Blob& b) {
-    while (b.size() % 16) b.push_back(0);
+Rec raw(uint8_t id, const Blob& body) {
+    return Rec{id, body};
 }
 
-Blob buildFile(const char* magic, const std::vector<EntrySpec>& entries, bool big, const char* dirid) {
+static void pad16(Blob& b) {
+    while (b.size() % 16)
+        b.push_back(0);
+}
+
+Blob buildFile(const char* magic, const std::vector<EntrySpec>& entries, bool big,
+               const char* dirid) {
     Endian e{big};
     Blob f(magic, magic + 4);
     e.u32(f, 0);
@@ -78,7 +90,8 @@ Blob buildFile(const char* magic, const std::vector<EntrySpec>& entries, bool bi
     for (size_t i = 0; i < entries.size(); ++i) {
         Blob offset;
         e.u32(offset, static_cast<uint32_t>(f.size()));
-        memcpy(&f[dir + 8 * i], entries[i].name.data(), std::min<size_t>(4, entries[i].name.size()));
+        memcpy(&f[dir + 8 * i], entries[i].name.data(),
+               std::min<size_t>(4, entries[i].name.size()));
         memcpy(&f[dir + 8 * i + 4], offset.data(), 4);
         const auto& recs = entries[i].records;
         for (size_t r = 0; r < recs.size(); ++r) {
@@ -97,7 +110,8 @@ Blob buildFile(const char* magic, const std::vector<EntrySpec>& entries, bool bi
 }
 
 Blob literalPack(const Blob& data) {
-    Blob s = {0x10, 0xFB, uint8_t(data.size() >> 16), uint8_t(data.size() >> 8), uint8_t(data.size())};
+    Blob s = {0x10, 0xFB, uint8_t(data.size() >> 16), uint8_t(data.size() >> 8),
+              uint8_t(data.size())};
     size_t at = 0;
     while (data.size() - at >= 4) {
         size_t chunk = std::min<size_t>(112, (data.size() - at) & ~size_t{3});
@@ -113,7 +127,8 @@ Blob literalPack(const Blob& data) {
 ReadResult readWith(const tavix::Driver& driver, const Blob& file) {
     ReadResult result;
     try {
-        tavix::HostPtr<tavix::FrameReader> reader = driver.open(tavix::Bytes(file.begin(), file.end()));
+        tavix::HostPtr<tavix::FrameReader> reader =
+            driver.open(tavix::Bytes(file.begin(), file.end()));
         result.opened = true;
         for (int i = 0; i < reader->frameCount(); ++i) {
             Frame frame;
@@ -131,8 +146,10 @@ ReadResult readWith(const tavix::Driver& driver, const Blob& file) {
                 frame.indexed = picture.indexed;
                 frame.indices.assign(picture.indices.begin(), picture.indices.end());
                 const size_t n = static_cast<size_t>(picture.width) * picture.height;
-                for (size_t p = 0; p < n; ++p) frame.argb.push_back(picture.argbAt(p));
-                for (int c = 0; picture.indexed && c < 256; ++c) frame.palette.push_back(picture.paletteArgb(c));
+                for (size_t p = 0; p < n; ++p)
+                    frame.argb.push_back(picture.argbAt(p));
+                for (int c = 0; picture.indexed && c < 256; ++c)
+                    frame.palette.push_back(picture.paletteArgb(c));
             } catch (const tavix::FormatError& error) {
                 result.error = error.message;
             }
@@ -144,19 +161,6 @@ ReadResult readWith(const tavix::Driver& driver, const Blob& file) {
         result.error = "out of memory";
     }
     return result;
-}
-
-WriteInput fromFrame(const Frame& frame) {
-    WriteInput in;
-    in.info = frame.info;
-    in.tail = frame.tail;
-    in.indexed = frame.indexed;
-    in.width = frame.info.width;
-    in.height = frame.info.height;
-    in.indices = frame.indices;
-    in.argb = frame.argb;
-    in.palette = frame.palette;
-    return in;
 }
 
 static TavixInfo baseInfo(int w, int h, int bufferbpp, const char* name) {
@@ -176,39 +180,36 @@ WriteInput trueColourInput(int w, int h, const std::vector<uint32_t>& argb, cons
     WriteInput in;
     in.info = baseInfo(w, h, 32, name);
     in.info.alphabits = in.info.redbits = in.info.greenbits = in.info.bluebits = 8;
-    in.width = w;
-    in.height = h;
     in.argb = argb;
     return in;
 }
 
-WriteInput indexedInput(int w, int h, const std::vector<uint8_t>& indices, const std::vector<uint32_t>& palette,
-                        const char* name) {
+WriteInput indexedInput(int w, int h, const std::vector<uint8_t>& indices,
+                        const std::vector<uint32_t>& palette, const char* name) {
     WriteInput in;
     in.info = baseInfo(w, h, 8, name);
     in.info.numcolours = static_cast<int32_t>(palette.size());
     in.indexed = true;
-    in.width = w;
-    in.height = h;
     in.indices = indices;
     in.palette = palette;
     return in;
 }
 
-Blob writeWith(const tavix::Driver& driver, const std::vector<WriteInput>& frames, std::string* error) {
+Blob writeWith(const tavix::Driver& driver, const std::vector<WriteInput>& frames,
+               std::string* error) {
     try {
         tavix::HostPtr<tavix::FrameWriter> writer = driver.create(static_cast<int>(frames.size()));
         if (!writer) throw tavix::FormatError{"the driver cannot write"};
         for (const WriteInput& in : frames) {
             tavix::Picture picture;
             if (in.indexed) {
-                picture.makeIndexed(in.width, in.height);
+                picture.makeIndexed(in.info.width, in.info.height);
                 std::copy(in.indices.begin(), in.indices.end(), picture.indices.begin());
                 for (size_t c = 0; c < in.palette.size() && c < 256; ++c)
                     picture.setPaletteArgb(static_cast<int>(c), in.palette[c]);
                 picture.numcolours = in.info.numcolours;
             } else {
-                picture.makeTrueColour(in.width, in.height);
+                picture.makeTrueColour(in.info.width, in.info.height);
                 std::copy(in.argb.begin(), in.argb.end(), picture.argb.begin());
             }
             TavixInfo info = in.info;
@@ -233,7 +234,8 @@ Blob writeWith(const tavix::Driver& driver, const std::vector<WriteInput>& frame
 Blob rewrite(const tavix::Driver& driver, const Blob& file) {
     ReadResult read = readWith(driver, file);
     std::vector<WriteInput> inputs;
-    for (const Frame& f : read.frames) inputs.push_back(fromFrame(f));
+    for (const Frame& f : read.frames)
+        inputs.push_back(fromFrame(f));
     return writeWith(driver, inputs);
 }
 
@@ -244,9 +246,15 @@ std::vector<std::string> g_lines;
 TavixCallbacks g_previous;
 int32_t g_liveAtStart = 0;
 
-void collect(const char* text) { g_lines.emplace_back(text); }
-void* hostAlloc(int32_t size) { return galloc(size); }
-int hostFree(void* block) { return gfree(block); }
+void collect(const char* text) {
+    g_lines.emplace_back(text);
+}
+void* hostAlloc(int32_t size) {
+    return galloc(size);
+}
+int hostFree(void* block) {
+    return gfree(block);
+}
 } // namespace
 
 LibraryHost::LibraryHost() {
@@ -268,7 +276,9 @@ LibraryHost::~LibraryHost() {
     tavix::installHost(&g_previous);
 }
 
-const std::vector<std::string>& LibraryHost::lines() const { return g_lines; }
+const std::vector<std::string>& LibraryHost::lines() const {
+    return g_lines;
+}
 
 bool LibraryHost::printed(const std::string& fragment) const {
     for (const std::string& line : g_lines)
@@ -276,6 +286,8 @@ bool LibraryHost::printed(const std::string& fragment) const {
     return false;
 }
 
-void LibraryHost::clear() { g_lines.clear(); }
+void LibraryHost::clear() {
+    g_lines.clear();
+}
 
 } // namespace shapetest

@@ -64,7 +64,7 @@ Blob literalPack(const Blob& data);
 struct Frame {
     TavixInfo info{};
     Blob tail;
-    bool ok = false;         // decode succeeded
+    bool ok = false; // decode succeeded
     bool indexed = false;
     std::vector<uint8_t> indices;
     std::vector<uint32_t> argb; // palette looked up for indexed frames
@@ -79,24 +79,19 @@ struct ReadResult {
 
 ReadResult readWith(const tavix::Driver& driver, const Blob& file);
 
-struct WriteInput {
-    TavixInfo info{};
-    Blob tail;
-    bool indexed = false;
-    int width = 0, height = 0;
-    std::vector<uint8_t> indices;
-    std::vector<uint32_t> argb;
-    std::vector<uint32_t> palette; // ARGB, up to 256
-};
-
-// A write input from a frame that was read (pixels, palette, info, tail).
-WriteInput fromFrame(const Frame& frame);
+// A frame to write is described the same way: info (with its size, name,
+// subtype ...), the tail, and the pixels.
+using WriteInput = Frame;
 WriteInput trueColourInput(int w, int h, const std::vector<uint32_t>& argb, const char* name = "");
-WriteInput indexedInput(int w, int h, const std::vector<uint8_t>& indices, const std::vector<uint32_t>& palette,
-                        const char* name = "");
+WriteInput indexedInput(int w, int h, const std::vector<uint8_t>& indices,
+                        const std::vector<uint32_t>& palette, const char* name = "");
+inline const WriteInput& fromFrame(const Frame& frame) {
+    return frame;
+}
 
 // Writes through the driver; empty with `error` set on failure.
-Blob writeWith(const tavix::Driver& driver, const std::vector<WriteInput>& frames, std::string* error = nullptr);
+Blob writeWith(const tavix::Driver& driver, const std::vector<WriteInput>& frames,
+               std::string* error = nullptr);
 
 // Reads `file` and writes every frame back unchanged.
 Blob rewrite(const tavix::Driver& driver, const Blob& file);
@@ -113,6 +108,8 @@ class LibraryHost {
     void clear();
 };
 
-inline uint32_t argb(uint32_t a, uint32_t r, uint32_t g, uint32_t b) { return a << 24 | r << 16 | g << 8 | b; }
+inline uint32_t argb(uint32_t a, uint32_t r, uint32_t g, uint32_t b) {
+    return a << 24 | r << 16 | g << 8 | b;
+}
 
 } // namespace shapetest

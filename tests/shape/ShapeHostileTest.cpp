@@ -19,10 +19,12 @@ namespace {
 const Endian LE{false};
 
 void setU32(Blob& b, size_t at, uint32_t v) {
-    for (int i = 0; i < 4; ++i) b[at + i] = uint8_t(v >> (8 * i));
+    for (int i = 0; i < 4; ++i)
+        b[at + i] = uint8_t(v >> (8 * i));
 }
 void setU24(Blob& b, size_t at, uint32_t v) {
-    for (int i = 0; i < 3; ++i) b[at + i] = uint8_t(v >> (8 * i));
+    for (int i = 0; i < 3; ++i)
+        b[at + i] = uint8_t(v >> (8 * i));
 }
 void setU16(Blob& b, size_t at, uint32_t v) {
     b[at] = uint8_t(v);
@@ -35,7 +37,9 @@ Blob twoEntries() {
 }
 
 // Where entry i's first record starts in a buildFile() file.
-size_t entryAt(const Blob& f, int i) { return f[16 + 8 * i + 4] | f[16 + 8 * i + 5] << 8 | f[16 + 8 * i + 6] << 16; }
+size_t entryAt(const Blob& f, int i) {
+    return f[16 + 8 * i + 4] | f[16 + 8 * i + 5] << 8 | f[16 + 8 * i + 6] << 16;
+}
 
 struct HostileCase {
     const char* name;
@@ -55,31 +59,48 @@ std::vector<HostileCase> hostileCases() {
     edit("entry count beyond the file", -1, [](Blob& f) { setU32(f, 8, 0x10000000); });
     edit("next offset past the end", 1, [](Blob& f) { setU24(f, entryAt(f, 0) + 1, 0xFFFFF0); });
     edit("next offset inside the record", 1, [](Blob& f) { setU24(f, entryAt(f, 0) + 1, 2); });
-    edit("next offset into the next entry", 2, [](Blob& f) { setU24(f, entryAt(f, 0) + 1, uint32_t(entryAt(f, 1) - entryAt(f, 0))); });
+    edit("next offset into the next entry", 2,
+         [](Blob& f) { setU24(f, entryAt(f, 0) + 1, uint32_t(entryAt(f, 1) - entryAt(f, 0))); });
     edit("pixels overflow the record", 1, [](Blob& f) { setU16(f, entryAt(f, 0) + 4, 0xFFFF); });
-    edit("huge width times height", 1, [](Blob& f) { setU16(f, entryAt(f, 0) + 4, 0xFFFF); setU16(f, entryAt(f, 0) + 6, 0xFFFF); });
+    edit("huge width times height", 1, [](Blob& f) {
+        setU16(f, entryAt(f, 0) + 4, 0xFFFF);
+        setU16(f, entryAt(f, 0) + 6, 0xFFFF);
+    });
     edit("zero width", 1, [](Blob& f) { setU16(f, entryAt(f, 0) + 4, 0); });
-    edit("fifteen mip levels that do not fit", 1, [](Blob& f) { setU16(f, entryAt(f, 0) + 14, 0xF000); });
-    edit("text length overflows", 2, [](Blob& f) { setU32(f, entryAt(f, 0) + 32 + 4, 0xFFFFFFFF); });
+    edit("fifteen mip levels that do not fit", 1,
+         [](Blob& f) { setU16(f, entryAt(f, 0) + 14, 0xF000); });
+    edit("text length overflows", 2,
+         [](Blob& f) { setU32(f, entryAt(f, 0) + 32 + 4, 0xFFFFFFFF); });
     edit("magic only", -1, [](Blob& f) { f.resize(4); });
-    edit("header only", 0, [](Blob& f) { f.resize(16); setU32(f, 8, 0); });
+    edit("header only", 0, [](Blob& f) {
+        f.resize(16);
+        setU32(f, 8, 0);
+    });
     edit("file size field lies", 2, [](Blob& f) { setU32(f, 4, 12345); });
     // Records the reader must refuse inside an otherwise good file.
     auto entry = [&](const char* name, std::vector<Rec> records, int readable) {
-        Blob f = buildFile("SHPI", {{"bad", records}, {"ok", {bitmap(LE, 0x7D, 1, 1, {1, 2, 3, 4})}}});
+        Blob f =
+            buildFile("SHPI", {{"bad", records}, {"ok", {bitmap(LE, 0x7D, 1, 1, {1, 2, 3, 4})}}});
         cases.push_back({name, f, readable});
     };
-    entry("packed record with a forged size", {bitmap(LE, 0xFD, 2, 2, {0x10, 0xFB, 0xFF, 0xFF, 0xFF, 0xFC})}, 1);
-    entry("packed record copying before the start", {bitmap(LE, 0xFD, 2, 2, {0x10, 0xFB, 0, 0, 16, 0x0C, 0x04, 0xFC})}, 1);
-    entry("packed record too short", {bitmap(LE, 0xFD, 2, 2, {0x10, 0xFB, 0, 0, 8, 0xE1, 1, 2, 3, 4, 5, 6, 7, 8, 0xFC})}, 1);
+    entry("packed record with a forged size",
+          {bitmap(LE, 0xFD, 2, 2, {0x10, 0xFB, 0xFF, 0xFF, 0xFF, 0xFC})}, 1);
+    entry("packed record copying before the start",
+          {bitmap(LE, 0xFD, 2, 2, {0x10, 0xFB, 0, 0, 16, 0x0C, 0x04, 0xFC})}, 1);
+    entry("packed record too short",
+          {bitmap(LE, 0xFD, 2, 2, {0x10, 0xFB, 0, 0, 8, 0xE1, 1, 2, 3, 4, 5, 6, 7, 8, 0xFC})}, 1);
     entry("palette of no colours", {bitmap(LE, 0x7B, 1, 1, {0}), palette(LE, 0x2A, 0, {})}, 2);
-    entry("palette of 300 colours", {bitmap(LE, 0x7B, 1, 1, {0}), palette(LE, 0x2A, 300, Blob(1200, 1))}, 2);
+    entry("palette of 300 colours",
+          {bitmap(LE, 0x7B, 1, 1, {0}), palette(LE, 0x2A, 300, Blob(1200, 1))}, 2);
     entry("palette entry cut short", {palette(LE, 0x2A, 200, Blob(8, 1))}, 1);
-    entry("hot spot count overflows", {bitmap(LE, 0x7D, 1, 1, {1, 2, 3, 4}), raw(0x7C, {0xFF, 0xFF, 0xFF, 0x1F})}, 2);
-    entry("long name without terminator", {bitmap(LE, 0x7D, 1, 1, {1, 2, 3, 4}), raw(0x70, {'a', 'b', 'c'})}, 2);
+    entry("hot spot count overflows",
+          {bitmap(LE, 0x7D, 1, 1, {1, 2, 3, 4}), raw(0x7C, {0xFF, 0xFF, 0xFF, 0x1F})}, 2);
+    entry("long name without terminator",
+          {bitmap(LE, 0x7D, 1, 1, {1, 2, 3, 4}), raw(0x70, {'a', 'b', 'c'})}, 2);
     entry("header shorter than 16 bytes", {raw(0x7D, {1, 0, 1, 0})}, 1);
     // A whole-file stream that claims a gigabyte.
-    cases.push_back({"whole-file RefPack bomb", Blob{0x90, 0xFB, 0x40, 0, 0, 0, 0xE0, 'S', 'H', 'P', 'I', 0xFC}, -1});
+    cases.push_back({"whole-file RefPack bomb",
+                     Blob{0x90, 0xFB, 0x40, 0, 0, 0, 0xE0, 'S', 'H', 'P', 'I', 0xFC}, -1});
     return cases;
 }
 
@@ -96,7 +117,8 @@ TEST_P(Hostile, FailsCleanlyAndKeepsTheRest) {
     }
     ASSERT_TRUE(r.opened) << r.error;
     int ok = 0;
-    for (const Frame& f : r.frames) ok += f.ok;
+    for (const Frame& f : r.frames)
+        ok += f.ok;
     EXPECT_EQ(ok, c.readable);
     // Whatever was read can be written again.
     std::vector<WriteInput> inputs;
@@ -117,10 +139,12 @@ INSTANTIATE_TEST_SUITE_P(Files, Hostile, ::testing::ValuesIn(hostileCases()), []
 TEST(ShapeHostile, EveryTruncationOfAGoodFileFailsCleanly) {
     LibraryHost host;
     Blob pal(1024, 0x55);
-    Blob good = buildFile("SHPI", {{"a", {bitmap(LE, 0x7B, 4, 4, Blob(16, 1)), palette(LE, 0x2A, 256, pal),
-                                          longName("a_name"), text(LE, "c"), hotspots(LE, {{1, 1}})}},
-                                   {"b", {bitmap(LE, 0xE0, 8, 8, literalPack(Blob(32 + 8, 3)), 0, 0, 0, 1u << 12)}},
-                                   {"!pal", {palette(LE, 0x24, 2, {1, 2, 3, 4, 5, 6})}}});
+    Blob good = buildFile(
+        "SHPI", {{"a",
+                  {bitmap(LE, 0x7B, 4, 4, Blob(16, 1)), palette(LE, 0x2A, 256, pal),
+                   longName("a_name"), text(LE, "c"), hotspots(LE, {{1, 1}})}},
+                 {"b", {bitmap(LE, 0xE0, 8, 8, literalPack(Blob(32 + 8, 3)), 0, 0, 0, 1u << 12)}},
+                 {"!pal", {palette(LE, 0x24, 2, {1, 2, 3, 4, 5, 6})}}});
     Blob packed = literalPack(good);
     for (const Blob* file : {&good, &packed})
         for (size_t n = 0; n < file->size(); ++n) {
@@ -134,14 +158,16 @@ TEST(ShapeHostile, OverlappingChainsRunOutOfBudgetInsteadOfTime) {
     LibraryHost host;
     // Thousands of directory entries that all name one long chain.
     std::vector<Rec> chain = {bitmap(LE, 0x7D, 1, 1, {1, 2, 3, 4})};
-    for (int i = 0; i < 2000; ++i) chain.push_back(raw(0x45, {1}));
+    for (int i = 0; i < 2000; ++i)
+        chain.push_back(raw(0x45, {1}));
     Blob f = buildFile("SHPI", {{"ch", chain}});
     const size_t first = entryAt(f, 0);
     const uint32_t entries = 20000;
     Blob dir(16 + 8 * entries);
     memcpy(dir.data(), f.data(), 12);
     setU32(dir, 8, entries);
-    while (dir.size() % 16) dir.push_back(0);
+    while (dir.size() % 16)
+        dir.push_back(0);
     const size_t shift = dir.size() - first;
     for (uint32_t i = 0; i < entries; ++i) {
         memcpy(&dir[16 + 8 * i], "ch\0\0", 4);

@@ -32,14 +32,17 @@ class ShapeLibrary : public ::testing::Test {
     }
     void TearDown() override {
         fs::remove_all(m_folder);
-        EXPECT_EQ(galloc_live_count(), m_live) << "blocks left behind by the library or the binding";
+        EXPECT_EQ(galloc_live_count(), m_live)
+            << "blocks left behind by the library or the binding";
     }
 
     fs::path m_folder;
     int32_t m_live = 0;
 };
 
-std::string sample(const char* name) { return std::string(ZY_SAMPLES_DIR) + "/" + name; }
+std::string sample(const char* name) {
+    return std::string(ZY_SAMPLES_DIR) + "/" + name;
+}
 
 std::vector<uint32_t> argbOf(const TavixFrame& f) {
     std::vector<uint32_t> out;
@@ -62,14 +65,26 @@ TEST_F(ShapeLibrary, DemoSamplesHoldWhatTheGeneratorDrew) {
     TavixReadResult fsh = TavixReadFile(sample("demo.fsh"));
     ASSERT_TRUE(fsh.ok) << fsh.error;
     EXPECT_EQ(fsh.driver, TavixFind("newfsh"));
-    struct { const char* name; int subtype; bool mip; bool packed; } expected[] = {
-        {"ship_with_alpha", 0x7D, false, false}, {"coin_spin_0", 0x7B, false, false},
-        {"coin_spin_1", 0x7B, false, false},     {"coin_spin_2", 0x7B, false, false},
-        {"coin_spin_3", 0x7B, false, false},     {"!pal", 0x2A, false, false},
-        {"checker_texture", 0x60, false, false}, {"mm1", 0x60, true, false},
-        {"mm2", 0x60, true, false},              {"mm3", 0x60, true, false},
-        {"mm4", 0x60, true, false},              {"mm5", 0x60, true, false},
-        {"mm6", 0x60, true, false},              {"packed_banner", 0x7D, false, true},
+    struct {
+        const char* name;
+        int subtype;
+        bool mip;
+        bool packed;
+    } expected[] = {
+        {"ship_with_alpha", 0x7D, false, false},
+        {"coin_spin_0", 0x7B, false, false},
+        {"coin_spin_1", 0x7B, false, false},
+        {"coin_spin_2", 0x7B, false, false},
+        {"coin_spin_3", 0x7B, false, false},
+        {"!pal", 0x2A, false, false},
+        {"checker_texture", 0x60, false, false},
+        {"mm1", 0x60, true, false},
+        {"mm2", 0x60, true, false},
+        {"mm3", 0x60, true, false},
+        {"mm4", 0x60, true, false},
+        {"mm5", 0x60, true, false},
+        {"mm6", 0x60, true, false},
+        {"packed_banner", 0x7D, false, true},
         {"hud_icon_16", 0x7A, false, false},
     };
     ASSERT_EQ(fsh.frames.size(), std::size(expected));
@@ -98,9 +113,15 @@ TEST_F(ShapeLibrary, DemoSamplesHoldWhatTheGeneratorDrew) {
 }
 
 TEST_F(ShapeLibrary, AboutRecordsStateWhatTheDriversDo) {
-    struct { const char* name; const char* description; const char* extension; uint32_t id; } drivers[] = {
-        {"newfsh", "FSH - PC Shape File", ".fsh", 0x46534800}, {"newssh", "SSH - PS2 Shape File", ".ssh", 0x53534800},
-        {"newxsh", "XSH - XBOX Shape File", ".xsh", 0x58534800}, {"newgsh", "GSH - GameCube Shape File", ".gsh", 0x47534800}};
+    struct {
+        const char* name;
+        const char* description;
+        const char* extension;
+        uint32_t id;
+    } drivers[] = {{"newfsh", "FSH - PC Shape File", ".fsh", 0x46534800},
+                   {"newssh", "SSH - PS2 Shape File", ".ssh", 0x53534800},
+                   {"newxsh", "XSH - XBOX Shape File", ".xsh", 0x58534800},
+                   {"newgsh", "GSH - GameCube Shape File", ".gsh", 0x47534800}};
     for (const auto& d : drivers) {
         TavixSet(TavixFind(d.name));
         TavixAboutPtr about(TavixAboutDriver());
@@ -112,7 +133,8 @@ TEST_F(ShapeLibrary, AboutRecordsStateWhatTheDriversDo) {
         // Writes palette and true-colour images, many per file, packed; no
         // start colour, at most 256 colours, any name length; keeps the mip
         // bit but not the rotation and transpose bits.
-        EXPECT_EQ(about->caps, kCapRead | kCapWrite | kCapPalette | kCapTrueColour | kCapMultiImage | kCapPacked);
+        EXPECT_EQ(about->caps, kCapRead | kCapWrite | kCapPalette | kCapTrueColour |
+                                   kCapMultiImage | kCapPacked);
         EXPECT_EQ(about->colourlimit, 256);
         EXPECT_EQ(about->namelimit, 0);
     }
@@ -121,14 +143,16 @@ TEST_F(ShapeLibrary, AboutRecordsStateWhatTheDriversDo) {
     EXPECT_NE(std::string(gsh->notes).find("Experimental"), std::string::npos);
 }
 
-class ShapeLibraryVariants : public ShapeLibrary, public ::testing::WithParamInterface<const char*> {};
+class ShapeLibraryVariants : public ShapeLibrary,
+                             public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(ShapeLibraryVariants, EveryDemoFrameReadsBackAfterASave) {
     const bool ps2 = std::string(GetParam()) == "newssh";
     TavixReadResult original = TavixReadFile(sample("demo.fsh"));
     ASSERT_TRUE(original.ok) << original.error;
     std::vector<const TavixFrame*> frames;
-    for (const TavixFrame& f : original.frames) frames.push_back(&f);
+    for (const TavixFrame& f : original.frames)
+        frames.push_back(&f);
     const std::string path = (m_folder / (std::string("demo.") + (GetParam() + 3))).string();
     std::string error;
     ASSERT_TRUE(TavixWriteFile(path, TavixFind(GetParam()), frames, error)) << error;
@@ -145,13 +169,16 @@ TEST_P(ShapeLibraryVariants, EveryDemoFrameReadsBackAfterASave) {
         EXPECT_EQ(b.attributes & kAttrMipLevel, a.attributes & kAttrMipLevel) << a.framename;
         EXPECT_STREQ(b.comment, a.comment);
         EXPECT_EQ(b.numhotspots, a.numhotspots);
-        const std::vector<uint32_t> before = argbOf(original.frames[i]), after = argbOf(again.frames[i]);
+        const std::vector<uint32_t> before = argbOf(original.frames[i]),
+                                    after = argbOf(again.frames[i]);
         ASSERT_EQ(before.size(), after.size());
         for (size_t p = 0; p < before.size(); ++p) {
             if (ps2) {
                 // The PS2 keeps alpha as 0..0x80: one step of rounding.
-                EXPECT_EQ(after[p] & 0xFFFFFF, before[p] & 0xFFFFFF) << a.framename << " pixel " << p;
-                EXPECT_LE(std::abs(int(after[p] >> 24) - int(before[p] >> 24)), 1) << a.framename << " pixel " << p;
+                EXPECT_EQ(after[p] & 0xFFFFFF, before[p] & 0xFFFFFF)
+                    << a.framename << " pixel " << p;
+                EXPECT_LE(std::abs(int(after[p] >> 24) - int(before[p] >> 24)), 1)
+                    << a.framename << " pixel " << p;
             } else {
                 ASSERT_EQ(after[p], before[p]) << a.framename << " pixel " << p;
             }
@@ -159,7 +186,8 @@ TEST_P(ShapeLibraryVariants, EveryDemoFrameReadsBackAfterASave) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Drivers, ShapeLibraryVariants, ::testing::Values("newfsh", "newssh", "newxsh", "newgsh"),
+INSTANTIATE_TEST_SUITE_P(Drivers, ShapeLibraryVariants,
+                         ::testing::Values("newfsh", "newssh", "newxsh", "newgsh"),
                          [](const auto& info) { return std::string(info.param); });
 
 TEST_F(ShapeLibrary, UneditedSampleSavesByteForByte) {
@@ -167,12 +195,14 @@ TEST_F(ShapeLibrary, UneditedSampleSavesByteForByte) {
         TavixReadResult read = TavixReadFile(sample(name));
         ASSERT_TRUE(read.ok) << read.error;
         std::vector<const TavixFrame*> frames;
-        for (const TavixFrame& f : read.frames) frames.push_back(&f);
+        for (const TavixFrame& f : read.frames)
+            frames.push_back(&f);
         const std::string path = (m_folder / name).string();
         std::string error;
         ASSERT_TRUE(TavixWriteFile(path, read.driver, frames, error)) << error;
         std::ifstream a(sample(name), std::ios::binary), b(path, std::ios::binary);
-        const std::string before((std::istreambuf_iterator<char>(a)), {}), after((std::istreambuf_iterator<char>(b)), {});
+        const std::string before((std::istreambuf_iterator<char>(a)), {}),
+            after((std::istreambuf_iterator<char>(b)), {});
         EXPECT_TRUE(before == after) << name;
     }
 }

@@ -16,7 +16,8 @@ const Endian BE{true};
 
 Blob bytesOf(size_t n, int seed) {
     Blob b(n);
-    for (size_t i = 0; i < n; ++i) b[i] = static_cast<uint8_t>(i * 7 + seed);
+    for (size_t i = 0; i < n; ++i)
+        b[i] = static_cast<uint8_t>(i * 7 + seed);
     return b;
 }
 
@@ -24,13 +25,15 @@ std::vector<uint32_t> gradient(int w, int h, bool alpha) {
     std::vector<uint32_t> px;
     for (int y = 0; y < h; ++y)
         for (int x = 0; x < w; ++x)
-            px.push_back(argb(alpha ? (x * 255) / std::max(1, w - 1) : 255, 40 + 6 * x, 60 + 10 * y, 128));
+            px.push_back(
+                argb(alpha ? (x * 255) / std::max(1, w - 1) : 255, 40 + 6 * x, 60 + 10 * y, 128));
     return px;
 }
 
 std::vector<uint32_t> greyPalette(int n) {
     std::vector<uint32_t> p;
-    for (int i = 0; i < n; ++i) p.push_back(argb(255, i, 255 - i, i / 2));
+    for (int i = 0; i < n; ++i)
+        p.push_back(argb(255, i, 255 - i, i / 2));
     return p;
 }
 
@@ -44,56 +47,75 @@ struct Fixture {
 // without edits must reproduce every byte.
 std::vector<Fixture> fixtures() {
     Blob pal256, pal16le, ps2pal, gcpal;
-    for (int i = 0; i < 256; ++i) pal256.insert(pal256.end(), {uint8_t(i), uint8_t(255 - i), uint8_t(i / 3), 0xFF});
-    for (int i = 0; i < 16; ++i) LE.u16(pal16le, 0x8000 | i * 0x421);
-    for (int i = 0; i < 256; ++i) ps2pal.insert(ps2pal.end(), {uint8_t(i), 0x10, 0x20, uint8_t(i % 3 ? 0x80 : 0x40)});
-    for (int i = 0; i < 256; ++i) BE.u32(gcpal, 0xFF000000u | uint32_t(i) * 0x010203u);
+    for (int i = 0; i < 256; ++i)
+        pal256.insert(pal256.end(), {uint8_t(i), uint8_t(255 - i), uint8_t(i / 3), 0xFF});
+    for (int i = 0; i < 16; ++i)
+        LE.u16(pal16le, 0x8000 | i * 0x421);
+    for (int i = 0; i < 256; ++i)
+        ps2pal.insert(ps2pal.end(), {uint8_t(i), 0x10, 0x20, uint8_t(i % 3 ? 0x80 : 0x40)});
+    for (int i = 0; i < 256; ++i)
+        BE.u32(gcpal, 0xFF000000u | uint32_t(i) * 0x010203u);
     Blob dxt1(8 * 4 + 8 + 8), dxt5(16 * 4);
-    for (size_t i = 0; i < dxt1.size(); ++i) dxt1[i] = static_cast<uint8_t>(i * 37 + 5);
-    for (size_t i = 0; i < dxt5.size(); ++i) dxt5[i] = static_cast<uint8_t>(i * 53 + 1);
+    for (size_t i = 0; i < dxt1.size(); ++i)
+        dxt1[i] = static_cast<uint8_t>(i * 37 + 5);
+    for (size_t i = 0; i < dxt5.size(); ++i)
+        dxt5[i] = static_cast<uint8_t>(i * 53 + 1);
     Blob mipPixels = bytesOf(4 * (8 * 4 + 4 * 2 + 2 * 1), 3);
     Blob big = bytesOf(4 * 64 * 64, 1);
     return {
         {"every_pc_record", &tavix::kFshDriver,
-         buildFile("SHPI",
-                   {{"a7D", {bitmap(LE, 0x7D, 3, 2, bytesOf(24, 1), 1, 2, 3, 4)}},
-                    {"a7F", {bitmap(LE, 0x7F, 3, 3, bytesOf(27, 2))}},
-                    {"a7E", {bitmap(LE, 0x7E, 2, 2, bytesOf(8, 3))}},
-                    {"a78", {bitmap(LE, 0x78, 2, 2, bytesOf(8, 4))}},
-                    {"a6D", {bitmap(LE, 0x6D, 2, 2, bytesOf(8, 5))}},
-                    {"a60", {bitmap(LE, 0x60, 8, 8, dxt1, 0, 0, 0, 2u << 12)}},
-                    {"a62", {bitmap(LE, 0x62, 8, 8, dxt5)}},
-                    {"a61", {bitmap(LE, 0x61, 4, 4, bytesOf(16, 9))}},
-                    {"a7B", {bitmap(LE, 0x7B, 4, 4, bytesOf(16, 6)), palette(LE, 0x2A, 256, pal256)}},
-                    {"a7A", {bitmap(LE, 0x7A, 4, 2, bytesOf(4, 7)), palette(LE, 0x2D, 16, pal16le)}},
-                    {"a79", {bitmap(LE, 0x79, 3, 3, Blob{0x12, 0x01, 0x20, 0x11, 0x02}), palette(LE, 0x22, 3, {1, 2, 3, 4, 5, 6, 63, 62, 61})}},
-                    {"mip", {bitmap(LE, 0x7D, 8, 4, mipPixels, 0, 0, 0, 2u << 12)}}},
-                   false, "G354")},
+         buildFile(
+             "SHPI",
+             {{"a7D", {bitmap(LE, 0x7D, 3, 2, bytesOf(24, 1), 1, 2, 3, 4)}},
+              {"a7F", {bitmap(LE, 0x7F, 3, 3, bytesOf(27, 2))}},
+              {"a7E", {bitmap(LE, 0x7E, 2, 2, bytesOf(8, 3))}},
+              {"a78", {bitmap(LE, 0x78, 2, 2, bytesOf(8, 4))}},
+              {"a6D", {bitmap(LE, 0x6D, 2, 2, bytesOf(8, 5))}},
+              {"a60", {bitmap(LE, 0x60, 8, 8, dxt1, 0, 0, 0, 2u << 12)}},
+              {"a62", {bitmap(LE, 0x62, 8, 8, dxt5)}},
+              {"a61", {bitmap(LE, 0x61, 4, 4, bytesOf(16, 9))}},
+              {"a7B", {bitmap(LE, 0x7B, 4, 4, bytesOf(16, 6)), palette(LE, 0x2A, 256, pal256)}},
+              {"a7A", {bitmap(LE, 0x7A, 4, 2, bytesOf(4, 7)), palette(LE, 0x2D, 16, pal16le)}},
+              {"a79",
+               {bitmap(LE, 0x79, 3, 3, Blob{0x12, 0x01, 0x20, 0x11, 0x02}),
+                palette(LE, 0x22, 3, {1, 2, 3, 4, 5, 6, 63, 62, 61})}},
+              {"mip", {bitmap(LE, 0x7D, 8, 4, mipPixels, 0, 0, 0, 2u << 12)}}},
+             false, "G354")},
         {"palettes_and_global", &tavix::kFshDriver,
-         buildFile("SHPI", {{"loc", {bitmap(LE, 0x7B, 2, 2, {0, 1, 2, 3}), palette(LE, 0x24, 4, bytesOf(12, 2))}},
-                            {"glo", {bitmap(LE, 0x7B, 2, 2, {3, 2, 1, 0})}},
-                            {"565", {bitmap(LE, 0x7B, 2, 2, {1, 1, 0, 0}), palette(LE, 0x29, 2, {0x1F, 0, 0xE0, 0x07})}},
-                            {"!pal", {palette(LE, 0x2A, 256, pal256)}}})},
+         buildFile(
+             "SHPI",
+             {{"loc", {bitmap(LE, 0x7B, 2, 2, {0, 1, 2, 3}), palette(LE, 0x24, 4, bytesOf(12, 2))}},
+              {"glo", {bitmap(LE, 0x7B, 2, 2, {3, 2, 1, 0})}},
+              {"565",
+               {bitmap(LE, 0x7B, 2, 2, {1, 1, 0, 0}), palette(LE, 0x29, 2, {0x1F, 0, 0xE0, 0x07})}},
+              {"!pal", {palette(LE, 0x2A, 256, pal256)}}})},
         {"attachments", &tavix::kFshDriver,
-         buildFile("SHPI", {{"ship", {bitmap(LE, 0x7D, 1, 1, {1, 2, 3, 4}), raw(0x69, bytesOf(20, 1)),
-                                      longName("spaceship_left"), text(LE, "made by hand"),
-                                      hotspots(LE, {{1, 2}, {-3, 4000}}), raw(0x45, {7, 7})}},
-                            {"ab  ", {bitmap(LE, 0x7D, 1, 1, {5, 6, 7, 8}), longName("ab")}}},
+         buildFile("SHPI",
+                   {{"ship",
+                     {bitmap(LE, 0x7D, 1, 1, {1, 2, 3, 4}), raw(0x69, bytesOf(20, 1)),
+                      longName("spaceship_left"), text(LE, "made by hand"),
+                      hotspots(LE, {{1, 2}, {-3, 4000}}), raw(0x45, {7, 7})}},
+                    {"ab  ", {bitmap(LE, 0x7D, 1, 1, {5, 6, 7, 8}), longName("ab")}}},
                    false, "GIMX")},
         {"packed", &tavix::kFshDriver,
          buildFile("SHPI", {{"pk", {bitmap(LE, 0x7D | 0x80, 64, 64, literalPack(big))}}})},
         {"ps2", &tavix::kSshDriver,
-         buildFile("SHPS", {{"p8", {bitmap(LE, 0x02, 4, 4, bytesOf(16, 3)), palette(LE, 0x21, 256, ps2pal)}},
-                            {"p32", {bitmap(LE, 0x05, 2, 1, {1, 2, 3, 0x80, 4, 5, 6, 0x20})}},
-                            {"p4", {bitmap(LE, 0x01, 4, 1, {0x21, 0x43}), palette(LE, 0x23, 16, Blob(ps2pal.begin(), ps2pal.begin() + 64))}},
-                            {"p15", {bitmap(LE, 0x02, 2, 1, {0, 1}), palette(LE, 0x23, 256, bytesOf(512, 9))}}})},
+         buildFile(
+             "SHPS",
+             {{"p8", {bitmap(LE, 0x02, 4, 4, bytesOf(16, 3)), palette(LE, 0x21, 256, ps2pal)}},
+              {"p32", {bitmap(LE, 0x05, 2, 1, {1, 2, 3, 0x80, 4, 5, 6, 0x20})}},
+              {"p4",
+               {bitmap(LE, 0x01, 4, 1, {0x21, 0x43}),
+                palette(LE, 0x23, 16, Blob(ps2pal.begin(), ps2pal.begin() + 64))}},
+              {"p15", {bitmap(LE, 0x02, 2, 1, {0, 1}), palette(LE, 0x23, 256, bytesOf(512, 9))}}})},
         {"xbox", &tavix::kXshDriver,
          buildFile("ShpX", {{"x", {bitmap(LE, 0x60, 4, 4, bytesOf(8, 2)), text(LE, "xbox")}}})},
         {"gamecube", &tavix::kGshDriver,
-         buildFile("SHPG", {{"c8", {bitmap(BE, 0x7B, 8, 4, bytesOf(32, 1)), palette(BE, 0x2A, 256, gcpal)}},
-                            {"rgba", {bitmap(BE, 0x7D, 4, 4, bytesOf(64, 2), 1, 1, 7, 8)}},
-                            {"565", {bitmap(BE, 0x78, 4, 4, bytesOf(32, 3)), hotspots(BE, {{5, -6}})}},
-                            {"cmpr", {bitmap(BE, 0x60, 8, 8, bytesOf(32, 4))}}},
+         buildFile("SHPG",
+                   {{"c8", {bitmap(BE, 0x7B, 8, 4, bytesOf(32, 1)), palette(BE, 0x2A, 256, gcpal)}},
+                    {"rgba", {bitmap(BE, 0x7D, 4, 4, bytesOf(64, 2), 1, 1, 7, 8)}},
+                    {"565", {bitmap(BE, 0x78, 4, 4, bytesOf(32, 3)), hotspots(BE, {{5, -6}})}},
+                    {"cmpr", {bitmap(BE, 0x60, 8, 8, bytesOf(32, 4))}}},
                    true)},
     };
 }
@@ -105,7 +127,8 @@ TEST_P(ByteIdentical, UneditedRewriteGivesTheSameBytes) {
     const Fixture& f = GetParam();
     ReadResult read = readWith(*f.driver, f.file);
     ASSERT_TRUE(read.opened) << read.error;
-    for (const Frame& frame : read.frames) ASSERT_TRUE(frame.ok) << frame.info.framename << ": " << read.error;
+    for (const Frame& frame : read.frames)
+        ASSERT_TRUE(frame.ok) << frame.info.framename << ": " << read.error;
     Blob again = rewrite(*f.driver, f.file);
     EXPECT_EQ(again.size(), f.file.size());
     for (size_t i = 8; i < std::min(again.size(), f.file.size()); ++i)
@@ -157,7 +180,8 @@ TEST_P(WritePaths, RoundTripKeepsPixelsAndRecord) {
     WriteInput in;
     if (c.indexed) {
         std::vector<uint8_t> idx;
-        for (int i = 0; i < w * h; ++i) idx.push_back(static_cast<uint8_t>(i % 16));
+        for (int i = 0; i < w * h; ++i)
+            idx.push_back(static_cast<uint8_t>(i % 16));
         in = indexedInput(w, h, idx, greyPalette(16), "pathframe");
     } else {
         in = trueColourInput(w, h, gradient(w, h, true), "pathframe");
@@ -177,7 +201,8 @@ TEST_P(WritePaths, RoundTripKeepsPixelsAndRecord) {
     std::vector<uint32_t> expected = in.argb;
     if (c.indexed) {
         expected.clear();
-        for (uint8_t i : in.indices) expected.push_back(in.palette[i]);
+        for (uint8_t i : in.indices)
+            expected.push_back(in.palette[i]);
         EXPECT_EQ(f.indices, in.indices);
     }
     ASSERT_EQ(f.argb.size(), expected.size());
@@ -186,7 +211,8 @@ TEST_P(WritePaths, RoundTripKeepsPixelsAndRecord) {
     for (size_t i = 0; i < expected.size(); ++i) {
         uint32_t want = expected[i];
         if (c.subtype == 0x60 && (want >> 24) < 128) continue; // DXT1 keeps 1-bit alpha
-        if (c.subtype == 0x60 || c.subtype == 0x7F || c.subtype == 0x78) want |= 0xFF000000; // no alpha
+        if (c.subtype == 0x60 || c.subtype == 0x7F || c.subtype == 0x78)
+            want |= 0xFF000000; // no alpha
         if (c.subtype == 0x7E) want = (want & 0xFFFFFF) | ((want >> 24) >= 128 ? 0xFF000000 : 0);
         const int difference = channelDifference(f.argb[i], want);
         worst = std::max(worst, difference);
@@ -198,39 +224,45 @@ TEST_P(WritePaths, RoundTripKeepsPixelsAndRecord) {
 
 // DXT: a gentle two-way gradient through libsquish stays within 16 per
 // channel at worst and 8 on average.
-INSTANTIATE_TEST_SUITE_P(
-    Records, WritePaths,
-    ::testing::Values(PathCase{&tavix::kFshDriver, 0x7D, false, 0, false},
-                      PathCase{&tavix::kFshDriver, 0x7D, true, 0, false},
-                      PathCase{&tavix::kFshDriver, 0x7F, false, 0, false},
-                      PathCase{&tavix::kFshDriver, 0x7E, true, 4, false},
-                      PathCase{&tavix::kFshDriver, 0x78, false, 4, false},
-                      PathCase{&tavix::kFshDriver, 0x6D, false, 8, false},
-                      PathCase{&tavix::kFshDriver, 0x60, false, 16, false, 8},
-                      PathCase{&tavix::kFshDriver, 0x61, true, 16, false, 8},
-                      PathCase{&tavix::kFshDriver, 0x62, false, 16, false, 8},
-                      PathCase{&tavix::kFshDriver, 0x7B, true, 0, true},
-                      PathCase{&tavix::kFshDriver, 0x7A, false, 0, true},
-                      PathCase{&tavix::kFshDriver, 0x79, false, 0, true},
-                      PathCase{&tavix::kXshDriver, 0x62, true, 16, false, 8},
-                      PathCase{&tavix::kSshDriver, 0x05, true, 1, false},
-                      PathCase{&tavix::kSshDriver, 0x02, false, 1, true},
-                      PathCase{&tavix::kSshDriver, 0x01, false, 1, true},
-                      PathCase{&tavix::kGshDriver, 0x7B, false, 0, true},
-                      PathCase{&tavix::kGshDriver, 0x7A, true, 0, true},
-                      PathCase{&tavix::kGshDriver, 0x7D, false, 0, false},
-                      PathCase{&tavix::kGshDriver, 0x78, false, 4, false},
-                      PathCase{&tavix::kGshDriver, 0x60, false, 16, false, 8}),
-    [](const auto& info) {
-        char name[48];
-        snprintf(name, sizeof name, "%s_%02X%s", info.param.driver->shortname, info.param.subtype,
-                 info.param.packed ? "_packed" : "");
-        return std::string(name);
-    });
+INSTANTIATE_TEST_SUITE_P(Records, WritePaths,
+                         ::testing::Values(PathCase{&tavix::kFshDriver, 0x7D, false, 0, false},
+                                           PathCase{&tavix::kFshDriver, 0x7D, true, 0, false},
+                                           PathCase{&tavix::kFshDriver, 0x7F, false, 0, false},
+                                           PathCase{&tavix::kFshDriver, 0x7E, true, 4, false},
+                                           PathCase{&tavix::kFshDriver, 0x78, false, 4, false},
+                                           PathCase{&tavix::kFshDriver, 0x6D, false, 8, false},
+                                           PathCase{&tavix::kFshDriver, 0x60, false, 16, false, 8},
+                                           PathCase{&tavix::kFshDriver, 0x61, true, 16, false, 8},
+                                           PathCase{&tavix::kFshDriver, 0x62, false, 16, false, 8},
+                                           PathCase{&tavix::kFshDriver, 0x7B, true, 0, true},
+                                           PathCase{&tavix::kFshDriver, 0x7A, false, 0, true},
+                                           PathCase{&tavix::kFshDriver, 0x79, false, 0, true},
+                                           PathCase{&tavix::kXshDriver, 0x62, true, 16, false, 8},
+                                           PathCase{&tavix::kSshDriver, 0x05, true, 1, false},
+                                           PathCase{&tavix::kSshDriver, 0x02, false, 1, true},
+                                           PathCase{&tavix::kSshDriver, 0x01, false, 1, true},
+                                           PathCase{&tavix::kGshDriver, 0x7B, false, 0, true},
+                                           PathCase{&tavix::kGshDriver, 0x7A, true, 0, true},
+                                           PathCase{&tavix::kGshDriver, 0x7D, false, 0, false},
+                                           PathCase{&tavix::kGshDriver, 0x78, false, 4, false},
+                                           PathCase{&tavix::kGshDriver, 0x60, false, 16, false, 8}),
+                         [](const auto& info) {
+                             char name[48];
+                             snprintf(name, sizeof name, "%s_%02X%s", info.param.driver->shortname,
+                                      info.param.subtype, info.param.packed ? "_packed" : "");
+                             return std::string(name);
+                         });
 
 TEST(ShapeWrite, RecordIsDerivedFromDepthAndChannelsWhenSubtypeIsZero) {
     LibraryHost host;
-    struct { const tavix::Driver* driver; int bpp; int a, r, g, b; bool indexed; bool alpha; int id; } cases[] = {
+    struct {
+        const tavix::Driver* driver;
+        int bpp;
+        int a, r, g, b;
+        bool indexed;
+        bool alpha;
+        int id;
+    } cases[] = {
         {&tavix::kFshDriver, 32, 8, 8, 8, 8, false, false, 0x7D},
         {&tavix::kFshDriver, 24, 0, 8, 8, 8, false, false, 0x7F},
         {&tavix::kFshDriver, 16, 1, 5, 5, 5, false, false, 0x7E},
@@ -245,9 +277,11 @@ TEST(ShapeWrite, RecordIsDerivedFromDepthAndChannelsWhenSubtypeIsZero) {
         {&tavix::kGshDriver, 24, 0, 8, 8, 8, false, false, 0x7D},
     };
     for (const auto& c : cases) {
-        WriteInput in = c.indexed ? indexedInput(2, 2, {0, 1, 1, 0}, greyPalette(2)) : trueColourInput(2, 2, gradient(2, 2, false));
+        WriteInput in = c.indexed ? indexedInput(2, 2, {0, 1, 1, 0}, greyPalette(2))
+                                  : trueColourInput(2, 2, gradient(2, 2, false));
         in.info.bpp = c.bpp;
-        in.info.alphabits = c.a, in.info.redbits = c.r, in.info.greenbits = c.g, in.info.bluebits = c.b;
+        in.info.alphabits = c.a, in.info.redbits = c.r, in.info.greenbits = c.g,
+        in.info.bluebits = c.b;
         ReadResult r = readWith(*c.driver, writeWith(*c.driver, {in}));
         ASSERT_EQ(r.frames.size(), 1u);
         EXPECT_EQ(r.frames[0].info.subtype, c.id) << c.driver->shortname << " bpp " << c.bpp;
@@ -268,7 +302,9 @@ TEST(ShapeWrite, IndexedPaletteRecordFollowsAlphaAndTheGlobalPaletteIsShared) {
     ASSERT_EQ(r.frames.size(), 4u);
     // opaq: local 0x24 palette; alph: local 0x2A; shrd: none (uses !pal)
     const size_t dir = 16;
-    auto entryOffset = [&](int i) { return file[dir + 8 * i + 4] | file[dir + 8 * i + 5] << 8 | file[dir + 8 * i + 6] << 16; };
+    auto entryOffset = [&](int i) {
+        return file[dir + 8 * i + 4] | file[dir + 8 * i + 5] << 8 | file[dir + 8 * i + 6] << 16;
+    };
     auto nextRecordId = [&](int i) {
         size_t at = entryOffset(i);
         size_t next = file[at + 1] | file[at + 2] << 8 | file[at + 3] << 16;
@@ -315,7 +351,8 @@ TEST(ShapeWrite, NamesCommentsHotSpotsAndPositions) {
     in.info.centery = 70000; // clamped
     in.info.defaultx = 4095;
     in.info.defaulty = -3; // clamped
-    for (const tavix::Driver* driver : {&tavix::kFshDriver, &tavix::kSshDriver, &tavix::kXshDriver, &tavix::kGshDriver}) {
+    for (const tavix::Driver* driver :
+         {&tavix::kFshDriver, &tavix::kSshDriver, &tavix::kXshDriver, &tavix::kGshDriver}) {
         host.clear();
         Blob file = writeWith(*driver, {in});
         EXPECT_EQ(memcmp(&file[16], "a_lo", 4), 0);
@@ -338,8 +375,10 @@ TEST(ShapeWrite, NamesCommentsHotSpotsAndPositions) {
 
 TEST(ShapeWrite, FramesMoveBetweenPlatformsWithTheirAttachments) {
     LibraryHost host;
-    Blob pc = buildFile("SHPI", {{"keep", {bitmap(LE, 0x7E, 2, 1, {0x00, 0xFC, 0x1F, 0x00}), longName("keep_this"),
-                                           raw(0x69, {1, 2, 3, 4})}}},
+    Blob pc = buildFile("SHPI",
+                        {{"keep",
+                          {bitmap(LE, 0x7E, 2, 1, {0x00, 0xFC, 0x1F, 0x00}), longName("keep_this"),
+                           raw(0x69, {1, 2, 3, 4})}}},
                         false, "G264");
     ReadResult read = readWith(tavix::kFshDriver, pc);
     std::vector<WriteInput> frames = {fromFrame(read.frames.at(0))};

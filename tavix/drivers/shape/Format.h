@@ -16,14 +16,14 @@ namespace tavix::shape {
 
 // How the pixels of one level are stored.
 enum class Layout : uint8_t {
-    Idx8,        // one index per byte
-    Idx4Hi,      // two indices per byte, left pixel in the high nibble
-    Idx4Lo,      // left pixel in the low nibble
-    Argb8888,    // 32-bit word A8R8G8B8
-    Rgb888,      // bytes B, G, R
-    Argb1555,    // 16-bit word
-    Rgb565,      // 16-bit word
-    Argb4444,    // 16-bit word
+    Idx8,     // one index per byte
+    Idx4Hi,   // two indices per byte, left pixel in the high nibble
+    Idx4Lo,   // left pixel in the low nibble
+    Argb8888, // 32-bit word A8R8G8B8
+    Rgb888,   // bytes B, G, R
+    Argb1555, // 16-bit word
+    Rgb565,   // 16-bit word
+    Argb4444, // 16-bit word
     Dxt1,
     Dxt3,
     Dxt5,
@@ -72,22 +72,22 @@ struct Variant {
     const char* description;
     const char* extension;
     const char* notes;
-    uint32_t formatid;       // lowest byte zero
+    uint32_t formatid; // lowest byte zero
     char magic[5];
-    char altMagic[5];        // also accepted when reading ("" = none)
-    bool bigEndian;          // header, record and word byte order
-    bool ps2Alpha;           // alpha stored as 0..0x80
-    bool ps2Swap;            // 256-colour palettes swap 8-15 / 16-23 of every 32
-    bool flagsMeanSwizzled;  // a set flag nibble at +0C marks swizzled pixels
-    bool fullPalettes;       // derived palettes always hold 16 or 256 colours
+    char altMagic[5];       // also accepted when reading ("" = none)
+    bool bigEndian;         // header, record and word byte order
+    bool ps2Alpha;          // alpha stored as 0..0x80
+    bool ps2Swap;           // 256-colour palettes swap 8-15 / 16-23 of every 32
+    bool flagsMeanSwizzled; // a set flag nibble at +0C marks swizzled pixels
+    bool fullPalettes;      // derived palettes always hold 16 or 256 colours
     std::span<const BitmapFormat> bitmaps;
     std::span<const PaletteFormat> palettes;
     std::span<const RefusedFormat> refused;
-    uint8_t indexed8;        // record ids chosen when `subtype` says nothing
+    uint8_t indexed8; // record ids chosen when `subtype` says nothing
     uint8_t trueColour;
     uint8_t paletteOpaque;
     uint8_t paletteAlpha;
-    uint8_t palette16;       // for 4-bit records; 0 = as for 8-bit
+    uint8_t palette16; // for 4-bit records; 0 = as for 8-bit
 };
 
 extern const Variant kFshVariant;
@@ -125,7 +125,9 @@ enum : uint8_t {
 size_t levelBytes(Layout layout, size_t width, size_t height);
 size_t payloadBytes(Layout layout, size_t width, size_t height, int mips);
 // Size of mip level `level` (0 = the base).
-inline int32_t levelSide(int32_t side, int level) { return side >> level > 0 ? side >> level : 1; }
+inline int32_t levelSide(int32_t side, int level) {
+    return side >> level > 0 ? side >> level : 1;
+}
 
 // Decodes one level into `out` (indices for indexed layouts: the caller
 // supplies the palette; ARGB otherwise). `src` holds levelBytes() bytes.
@@ -146,7 +148,8 @@ void decodePalette(const Variant& variant, PaletteLayout layout, const uint8_t* 
 void encodePalette(const Variant& variant, PaletteLayout layout, const TavixColour* colours,
                    int count, Bytes& out);
 // True when `layout` stores these colours without loss.
-bool paletteFits(const Variant& variant, PaletteLayout layout, const TavixColour* colours, int count);
+bool paletteFits(const Variant& variant, PaletteLayout layout, const TavixColour* colours,
+                 int count);
 
 // -------------------------------------------------------- byte order
 
@@ -168,7 +171,11 @@ void set24(uint8_t* at, uint32_t value, bool big);
 void set32(uint8_t* at, uint32_t value, bool big);
 
 // PS2 alpha scale: 0..0x80 in the file, 0..255 in Zy.
-inline uint32_t ps2AlphaIn(uint32_t a) { return a * 2 > 255 ? 255 : a * 2; }
-inline uint32_t ps2AlphaOut(uint32_t a8) { return (a8 + 1) >> 1; }
+inline uint32_t ps2AlphaIn(uint32_t a) {
+    return a * 2 > 255 ? 255 : a * 2;
+}
+inline uint32_t ps2AlphaOut(uint32_t a8) {
+    return (a8 + 1) >> 1;
+}
 
 } // namespace tavix::shape

@@ -44,9 +44,17 @@ enum Tag : uint16_t {
 
 enum : uint32_t { kFileWholePacked = 1 };
 enum : uint8_t { kEntryLongName = 1, kEntryNextIsSize = 2 };
-enum : uint8_t { kSlotPalette = 1, kSlotLongName = 2, kSlotText = 3, kSlotHotSpots = 4, kSlotKept = 5 };
+enum : uint8_t {
+    kSlotPalette = 1,
+    kSlotLongName = 2,
+    kSlotText = 3,
+    kSlotHotSpots = 4,
+    kSlotKept = 5
+};
 
-inline uint32_t rd16(const uint8_t* p) { return p[0] | p[1] << 8; }
+inline uint32_t rd16(const uint8_t* p) {
+    return p[0] | p[1] << 8;
+}
 inline uint32_t rd32(const uint8_t* p) {
     return p[0] | p[1] << 8 | p[2] << 16 | static_cast<uint32_t>(p[3]) << 24;
 }
@@ -54,7 +62,8 @@ inline uint32_t rd32(const uint8_t* p) {
 // The variant format id of a well-formed tail, else 0.
 inline uint32_t variantOf(const uint8_t* tail, size_t size) {
     if (!tail || size < kHeaderSize || memcmp(tail, "ZYSH", 4) != 0) return 0;
-    if (rd16(tail + 4) != kVersion || rd16(tail + 6) < kHeaderSize || rd16(tail + 6) > size) return 0;
+    if (rd16(tail + 4) != kVersion || rd16(tail + 6) < kHeaderSize || rd16(tail + 6) > size)
+        return 0;
     return rd32(tail + 8) & 0xFFFFFF00u;
 }
 
@@ -117,13 +126,15 @@ inline size_t ShapeTailSummary(const TavixInfo* info, char* out, size_t capacity
                      (data[0] & 0x7F) == 0x69 ? " metal bin" : "", length);
             add(piece);
         } else if (tag == kTagPalette) {
-            snprintf(piece, sizeof piece, "%spalette record as read (%zu bytes)", separator, length);
+            snprintf(piece, sizeof piece, "%spalette record as read (%zu bytes)", separator,
+                     length);
             add(piece);
         } else if (tag == kTagPixels) {
             snprintf(piece, sizeof piece, "%sstored pixels (%zu bytes)", separator, length);
             add(piece);
         } else if (tag == kTagPacked) {
-            snprintf(piece, sizeof piece, "%sRefPack stream as read (%zu bytes)", separator, length);
+            snprintf(piece, sizeof piece, "%sRefPack stream as read (%zu bytes)", separator,
+                     length);
             add(piece);
         } else {
             return;

@@ -8,7 +8,9 @@
 namespace tavix::dxt {
 namespace {
 
-size_t blocksAcross(size_t n) { return (n + 3) / 4; }
+size_t blocksAcross(size_t n) {
+    return (n + 3) / 4;
+}
 
 uint32_t expand565(uint16_t c, uint32_t& r, uint32_t& g, uint32_t& b) {
     r = (c >> 11) & 31;
@@ -35,17 +37,23 @@ void palette4(uint16_t c0, uint16_t c1, bool threeAllowed, uint32_t out[4]) {
     }
 }
 
-uint16_t le16(const uint8_t* p) { return static_cast<uint16_t>(p[0] | p[1] << 8); }
+uint16_t le16(const uint8_t* p) {
+    return static_cast<uint16_t>(p[0] | p[1] << 8);
+}
 
 // One 4x4 block of colours into `texels` (16 words, raster order).
 void colourBlock(const uint8_t* block, bool threeAllowed, uint32_t texels[16]) {
     uint32_t colours[4];
     palette4(le16(block), le16(block + 2), threeAllowed, colours);
-    uint32_t bits = block[4] | block[5] << 8 | block[6] << 16 | static_cast<uint32_t>(block[7]) << 24;
-    for (int i = 0; i < 16; ++i) texels[i] = colours[(bits >> (2 * i)) & 3];
+    uint32_t bits =
+        block[4] | block[5] << 8 | block[6] << 16 | static_cast<uint32_t>(block[7]) << 24;
+    for (int i = 0; i < 16; ++i)
+        texels[i] = colours[(bits >> (2 * i)) & 3];
 }
 
-void setAlpha(uint32_t& texel, uint32_t alpha) { texel = (texel & 0x00FFFFFF) | alpha << 24; }
+void setAlpha(uint32_t& texel, uint32_t alpha) {
+    texel = (texel & 0x00FFFFFF) | alpha << 24;
+}
 
 void alphaDxt3(const uint8_t* block, uint32_t texels[16]) {
     for (int i = 0; i < 16; ++i) {
@@ -58,15 +66,19 @@ void alphaDxt5(const uint8_t* block, uint32_t texels[16]) {
     uint32_t a0 = block[0], a1 = block[1];
     uint32_t values[8] = {a0, a1};
     if (a0 > a1) {
-        for (int i = 1; i < 7; ++i) values[i + 1] = ((7 - i) * a0 + i * a1) / 7;
+        for (int i = 1; i < 7; ++i)
+            values[i + 1] = ((7 - i) * a0 + i * a1) / 7;
     } else {
-        for (int i = 1; i < 5; ++i) values[i + 1] = ((5 - i) * a0 + i * a1) / 5;
+        for (int i = 1; i < 5; ++i)
+            values[i + 1] = ((5 - i) * a0 + i * a1) / 5;
         values[6] = 0;
         values[7] = 255;
     }
     uint64_t bits = 0;
-    for (int i = 0; i < 6; ++i) bits |= static_cast<uint64_t>(block[2 + i]) << (8 * i);
-    for (int i = 0; i < 16; ++i) setAlpha(texels[i], values[(bits >> (3 * i)) & 7]);
+    for (int i = 0; i < 6; ++i)
+        bits |= static_cast<uint64_t>(block[2 + i]) << (8 * i);
+    for (int i = 0; i < 16; ++i)
+        setAlpha(texels[i], values[(bits >> (3 * i)) & 7]);
 }
 
 void storeBlock(const uint32_t texels[16], int bx, int by, int width, int height, uint32_t* argb) {
@@ -79,7 +91,9 @@ void storeBlock(const uint32_t texels[16], int bx, int by, int width, int height
 }
 
 int squishFlags(Kind kind, int quality) {
-    int flags = kind == Kind::Dxt1 ? squish::kDxt1 : kind == Kind::Dxt3 ? squish::kDxt3 : squish::kDxt5;
+    int flags = kind == Kind::Dxt1   ? squish::kDxt1
+                : kind == Kind::Dxt3 ? squish::kDxt3
+                                     : squish::kDxt5;
     flags |= quality < 50 ? squish::kColourRangeFit : squish::kColourClusterFit;
     return flags;
 }
@@ -93,7 +107,8 @@ void cmprBlockToDxt1(const uint8_t* gc, uint8_t* pc) {
     pc[3] = gc[2];
     for (int y = 0; y < 4; ++y) {
         uint8_t row = gc[4 + y], out = 0;
-        for (int x = 0; x < 4; ++x) out |= ((row >> (6 - 2 * x)) & 3) << (2 * x);
+        for (int x = 0; x < 4; ++x)
+            out |= ((row >> (6 - 2 * x)) & 3) << (2 * x);
         pc[4 + y] = out;
     }
 }
@@ -105,7 +120,8 @@ void dxt1BlockToCmpr(const uint8_t* pc, uint8_t* gc) {
     gc[3] = pc[2];
     for (int y = 0; y < 4; ++y) {
         uint8_t row = pc[4 + y], out = 0;
-        for (int x = 0; x < 4; ++x) out |= ((row >> (2 * x)) & 3) << (6 - 2 * x);
+        for (int x = 0; x < 4; ++x)
+            out |= ((row >> (2 * x)) & 3) << (6 - 2 * x);
         gc[4 + y] = out;
     }
 }
@@ -148,7 +164,8 @@ void decodeCmpr(const uint8_t* tiles, int width, int height, uint32_t* argb) {
     for (int ty = 0; ty < tilesDown; ++ty)
         for (int tx = 0; tx < tilesAcross; ++tx)
             for (int sub = 0; sub < 4; ++sub) {
-                const uint8_t* gc = tiles + ((static_cast<size_t>(ty) * tilesAcross + tx) * 4 + sub) * 8;
+                const uint8_t* gc =
+                    tiles + ((static_cast<size_t>(ty) * tilesAcross + tx) * 4 + sub) * 8;
                 cmprBlockToDxt1(gc, block);
                 colourBlock(block, true, texels);
                 storeBlock(texels, tx * 2 + (sub & 1), ty * 2 + (sub >> 1), width, height, argb);
@@ -194,7 +211,8 @@ template <typename Fn> void pairBlocks(int width, int height, Fn fn) {
 
 Bytes dxt1ToCmpr(const uint8_t* blocks, int width, int height) {
     Bytes out(cmprByteSize(width, height), 0);
-    pairBlocks(width, height, [&](size_t pc, size_t gc) { dxt1BlockToCmpr(blocks + pc, &out[gc]); });
+    pairBlocks(width, height,
+               [&](size_t pc, size_t gc) { dxt1BlockToCmpr(blocks + pc, &out[gc]); });
     return out;
 }
 

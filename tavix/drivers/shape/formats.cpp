@@ -45,43 +45,73 @@ constexpr PaletteFormat kPs2Palettes[] = {
 };
 
 constexpr BitmapFormat kGcBitmaps[] = {
-    {0x7B, Layout::GcC8},     {0x7A, Layout::GcC4},     {0x7D, Layout::GcRgba8},
+    {0x7B, Layout::GcC8},     {0x7A, Layout::GcC4},   {0x7D, Layout::GcRgba8},
     {0x78, Layout::GcRgb565}, {0x60, Layout::GcCmpr},
 };
 
 } // namespace
 
 const Variant kFshVariant = {
-    "newfsh", "FSH - PC Shape File", ".fsh",
-    "PC shape files: every documented bitmap, palette and attachment record",
-    0x46534800, "SHPI", "", false, false, false, false, false,
-    kPcBitmaps, kPcPalettes, kPcRefused,
-    0x7B, 0x7D, 0x24, 0x2A, 0,
+    "newfsh",   "FSH - PC Shape File",
+    ".fsh",     "PC shape files: every documented bitmap, palette and attachment record",
+    0x46534800, "SHPI",
+    "",         false,
+    false,      false,
+    false,      false,
+    kPcBitmaps, kPcPalettes,
+    kPcRefused, 0x7B,
+    0x7D,       0x24,
+    0x2A,       0,
 };
 
 const Variant kSshVariant = {
-    "newssh", "SSH - PS2 Shape File", ".ssh",
-    "PS2 shape files: 4-bit, 8-bit and 32-bit records; swizzled pixels are refused",
-    0x53534800, "SHPS", "", false, true, true, true, true,
-    kPs2Bitmaps, kPs2Palettes, {},
-    0x02, 0x05, 0x21, 0x21, 0x23,
+    "newssh",    "SSH - PS2 Shape File",
+    ".ssh",      "PS2 shape files: 4-bit, 8-bit and 32-bit records; swizzled pixels are refused",
+    0x53534800,  "SHPS",
+    "",          false,
+    true,        true,
+    true,        true,
+    kPs2Bitmaps, kPs2Palettes,
+    {},          0x02,
+    0x05,        0x21,
+    0x21,        0x23,
 };
 
 const Variant kXshVariant = {
-    "newxsh", "XSH - XBOX Shape File", ".xsh",
-    "Xbox shape files: PC record ids, pixels read and written unswizzled",
-    0x58534800, "SHPX", "ShpX", false, false, false, false, false,
-    kPcBitmaps, kPcPalettes, kPcRefused,
-    0x7B, 0x7D, 0x24, 0x2A, 0,
+    "newxsh",   "XSH - XBOX Shape File",
+    ".xsh",     "Xbox shape files: PC record ids, pixels read and written unswizzled",
+    0x58534800, "SHPX",
+    "ShpX",     false,
+    false,      false,
+    false,      false,
+    kPcBitmaps, kPcPalettes,
+    kPcRefused, 0x7B,
+    0x7D,       0x24,
+    0x2A,       0,
 };
 
 const Variant kGshVariant = {
-    "newgsh", "GSH - GameCube Shape File", ".gsh",
+    "newgsh",
+    "GSH - GameCube Shape File",
+    ".gsh",
     "Experimental: big-endian headers and GameCube tiled pixels (C4, C8, RGB565, RGBA8, CMPR) "
     "as Zy reads the hardware; unverified",
-    0x47534800, "SHPG", "", true, false, false, false, false,
-    kGcBitmaps, kPcPalettes, {},
-    0x7B, 0x7D, 0x24, 0x2A, 0,
+    0x47534800,
+    "SHPG",
+    "",
+    true,
+    false,
+    false,
+    false,
+    false,
+    kGcBitmaps,
+    kPcPalettes,
+    {},
+    0x7B,
+    0x7D,
+    0x24,
+    0x2A,
+    0,
 };
 
 const Variant* variantOf(uint32_t formatid) {
@@ -119,52 +149,73 @@ bool isFourBit(Layout layout) {
 int nominalBpp(Layout layout) {
     switch (layout) {
     case Layout::Idx8:
-    case Layout::GcC8: return 8;
+    case Layout::GcC8:
+        return 8;
     case Layout::Idx4Hi:
     case Layout::Idx4Lo:
-    case Layout::GcC4: return 4;
-    case Layout::Rgb888: return 24;
+    case Layout::GcC4:
+        return 4;
+    case Layout::Rgb888:
+        return 24;
     case Layout::Argb1555:
     case Layout::Rgb565:
     case Layout::Argb4444:
-    case Layout::GcRgb565: return 16;
-    default: return 32;
+    case Layout::GcRgb565:
+        return 16;
+    default:
+        return 32;
     }
 }
 
 Channels channelsOf(Layout layout) {
     switch (layout) {
-    case Layout::Rgb888: return {0, 8, 8, 8};
-    case Layout::Argb1555: return {1, 5, 5, 5};
+    case Layout::Rgb888:
+        return {0, 8, 8, 8};
+    case Layout::Argb1555:
+        return {1, 5, 5, 5};
     case Layout::Rgb565:
-    case Layout::GcRgb565: return {0, 5, 6, 5};
-    case Layout::Argb4444: return {4, 4, 4, 4};
+    case Layout::GcRgb565:
+        return {0, 5, 6, 5};
+    case Layout::Argb4444:
+        return {4, 4, 4, 4};
     case Layout::Dxt1:
-    case Layout::GcCmpr: return {1, 5, 6, 5};
-    case Layout::Dxt3: return {4, 5, 6, 5};
-    case Layout::Dxt5: return {8, 5, 6, 5};
-    default: return {8, 8, 8, 8};
+    case Layout::GcCmpr:
+        return {1, 5, 6, 5};
+    case Layout::Dxt3:
+        return {4, 5, 6, 5};
+    case Layout::Dxt5:
+        return {8, 5, 6, 5};
+    default:
+        return {8, 8, 8, 8};
     }
 }
 
 Channels channelsOf(PaletteLayout layout) {
     switch (layout) {
-    case PaletteLayout::Rgb888: return {0, 8, 8, 8};
-    case PaletteLayout::Rgb666: return {0, 6, 6, 6};
+    case PaletteLayout::Rgb888:
+        return {0, 8, 8, 8};
+    case PaletteLayout::Rgb666:
+        return {0, 6, 6, 6};
     case PaletteLayout::Argb1555:
-    case PaletteLayout::Ps2Rgba5551: return {1, 5, 5, 5};
-    case PaletteLayout::Rgb565: return {0, 5, 6, 5};
-    default: return {8, 8, 8, 8};
+    case PaletteLayout::Ps2Rgba5551:
+        return {1, 5, 5, 5};
+    case PaletteLayout::Rgb565:
+        return {0, 5, 6, 5};
+    default:
+        return {8, 8, 8, 8};
     }
 }
 
 size_t entryBytes(PaletteLayout layout) {
     switch (layout) {
     case PaletteLayout::Argb8888:
-    case PaletteLayout::Ps2Rgba8888: return 4;
+    case PaletteLayout::Ps2Rgba8888:
+        return 4;
     case PaletteLayout::Rgb888:
-    case PaletteLayout::Rgb666: return 3;
-    default: return 2;
+    case PaletteLayout::Rgb666:
+        return 3;
+    default:
+        return 2;
     }
 }
 
@@ -189,11 +240,13 @@ void put32(Bytes& out, uint32_t value, bool big) {
 }
 
 void set24(uint8_t* at, uint32_t value, bool big) {
-    for (int i = 0; i < 3; ++i) at[big ? 2 - i : i] = static_cast<uint8_t>(value >> (8 * i));
+    for (int i = 0; i < 3; ++i)
+        at[big ? 2 - i : i] = static_cast<uint8_t>(value >> (8 * i));
 }
 
 void set32(uint8_t* at, uint32_t value, bool big) {
-    for (int i = 0; i < 4; ++i) at[big ? 3 - i : i] = static_cast<uint8_t>(value >> (8 * i));
+    for (int i = 0; i < 4; ++i)
+        at[big ? 3 - i : i] = static_cast<uint8_t>(value >> (8 * i));
 }
 
 } // namespace tavix::shape

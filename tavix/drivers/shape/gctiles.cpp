@@ -15,9 +15,12 @@ struct Tile {
 
 Tile tileOf(Layout layout) {
     switch (layout) {
-    case Layout::GcC8: return {8, 4};
-    case Layout::GcC4: return {8, 8};
-    default: return {4, 4};
+    case Layout::GcC8:
+        return {8, 4};
+    case Layout::GcC4:
+        return {8, 8};
+    default:
+        return {4, 4};
     }
 }
 
@@ -35,9 +38,15 @@ template <typename Fn> void walk(Layout layout, int32_t width, int32_t height, F
                     fn(ordinal++, tx * tile.width + x, ty * tile.height + y);
 }
 
-uint32_t expand5(uint32_t v) { return v << 3 | v >> 2; }
-uint32_t expand6(uint32_t v) { return v << 2 | v >> 4; }
-uint32_t quant(uint32_t value, int bits) { return (value * ((1u << bits) - 1) + 127) / 255; }
+uint32_t expand5(uint32_t v) {
+    return v << 3 | v >> 2;
+}
+uint32_t expand6(uint32_t v) {
+    return v << 2 | v >> 4;
+}
+uint32_t quant(uint32_t value, int bits) {
+    return (value * ((1u << bits) - 1) + 127) / 255;
+}
 
 } // namespace
 
@@ -55,8 +64,12 @@ void decodeTiled(Layout layout, const uint8_t* src, int32_t width, int32_t heigh
         if (x >= width || y >= height) return;
         const size_t at = static_cast<size_t>(y) * width + x;
         switch (layout) {
-        case Layout::GcC8: out.indices[at] = src[n]; break;
-        case Layout::GcC4: out.indices[at] = (n & 1) ? src[n / 2] & 15 : src[n / 2] >> 4; break;
+        case Layout::GcC8:
+            out.indices[at] = src[n];
+            break;
+        case Layout::GcC4:
+            out.indices[at] = (n & 1) ? src[n / 2] & 15 : src[n / 2] >> 4;
+            break;
         case Layout::GcRgb565: {
             uint32_t v = get16(src + 2 * n, true);
             out.argb[at] = packArgb(255, expand5(v >> 11), expand6((v >> 5) & 63), expand5(v & 31));
@@ -65,7 +78,8 @@ void decodeTiled(Layout layout, const uint8_t* src, int32_t width, int32_t heigh
         default: { // GcRgba8: 64-byte tiles, alpha/red pairs then green/blue pairs
             const uint8_t* tile = src + (n / 16) * 64;
             const size_t i = n % 16;
-            out.argb[at] = packArgb(tile[2 * i], tile[2 * i + 1], tile[32 + 2 * i], tile[33 + 2 * i]);
+            out.argb[at] =
+                packArgb(tile[2 * i], tile[2 * i + 1], tile[32 + 2 * i], tile[33 + 2 * i]);
             break;
         }
         }
@@ -76,7 +90,8 @@ void encodeTiled(Layout layout, const Picture& in, int quality, Bytes& out) {
     const int32_t width = in.width, height = in.height;
     if (layout == Layout::GcCmpr) {
         Words words(static_cast<size_t>(width) * height);
-        for (size_t i = 0; i < words.size(); ++i) words[i] = in.argbAt(i);
+        for (size_t i = 0; i < words.size(); ++i)
+            words[i] = in.argbAt(i);
         Bytes tiles = dxt::encodeCmpr(words.data(), width, height, quality);
         out.insert(out.end(), tiles.begin(), tiles.end());
         return;
@@ -90,7 +105,9 @@ void encodeTiled(Layout layout, const Picture& in, int quality, Bytes& out) {
         if (x >= width || y >= height) return;
         const size_t at = static_cast<size_t>(y) * width + x;
         switch (layout) {
-        case Layout::GcC8: dst[n] = in.indices[at]; break;
+        case Layout::GcC8:
+            dst[n] = in.indices[at];
+            break;
         case Layout::GcC4: {
             const uint8_t v = in.indices[at];
             if (v > 15) fail("index %u does not fit a 4-bit record", v);
@@ -99,8 +116,8 @@ void encodeTiled(Layout layout, const Picture& in, int quality, Bytes& out) {
         }
         case Layout::GcRgb565: {
             const uint32_t c = in.argbAt(at);
-            const uint32_t v = quant((c >> 16) & 255, 5) << 11 | quant((c >> 8) & 255, 6) << 5 |
-                               quant(c & 255, 5);
+            const uint32_t v =
+                quant((c >> 16) & 255, 5) << 11 | quant((c >> 8) & 255, 6) << 5 | quant(c & 255, 5);
             dst[2 * n] = static_cast<uint8_t>(v >> 8);
             dst[2 * n + 1] = static_cast<uint8_t>(v);
             break;

@@ -22,7 +22,7 @@ constexpr size_t kMaxWholeFile = 256u << 20; // unpacked size of a whole-file Re
 constexpr size_t kMaxKept = 8u << 20;        // a record kept byte for byte
 constexpr size_t kPackedSlack = 65536;       // a packed record may unpack a little long
 constexpr int kMaxReports = 16;
-constexpr size_t kMaxNameScan = 4096;        // bytes searched for a name's terminator
+constexpr size_t kMaxNameScan = 4096; // bytes searched for a name's terminator
 
 enum class Kind : uint8_t { Bitmap, Palette, Broken };
 enum class PaletteSource : uint8_t { None, Local, Global, Grey };
@@ -39,7 +39,7 @@ struct Entry {
     uint8_t dirname[4] = {};
     size_t offset = 0;
     Kind kind = Kind::Broken;
-    Bytes problem; // the message of a broken entry, terminated
+    Bytes problem;  // the message of a broken entry, terminated
     uint8_t id = 0; // the first record's id byte, packed bit included
     const BitmapFormat* format = nullptr;
     PaletteLayout paletteLayout = PaletteLayout::Argb8888;
@@ -65,16 +65,21 @@ struct FrameRef {
 
 void trimmedName(const uint8_t raw[4], char out[5]) {
     int n = 4;
-    while (n > 0 && (raw[n - 1] == 0 || raw[n - 1] == ' ')) --n;
-    for (int i = 0; i < n; ++i) out[i] = raw[i] ? static_cast<char>(raw[i]) : ' ';
+    while (n > 0 && (raw[n - 1] == 0 || raw[n - 1] == ' '))
+        --n;
+    for (int i = 0; i < n; ++i)
+        out[i] = raw[i] ? static_cast<char>(raw[i]) : ' ';
     out[n] = 0;
 }
 
-bool isGlobalPaletteName(const char* name) { return strcasecmp(name, "!pal") == 0; }
+bool isGlobalPaletteName(const char* name) {
+    return strcasecmp(name, "!pal") == 0;
+}
 
 class ShapeReader : public FrameReader {
   public:
-    ShapeReader(const Variant& variant, Bytes&& file) : m_variant(variant), m_file(std::move(file)) {
+    ShapeReader(const Variant& variant, Bytes&& file)
+        : m_variant(variant), m_file(std::move(file)) {
         if (!hasMagic(variant, m_file) && refpack::looksPacked(m_file)) {
             m_file = refpack::decode(m_file, kMaxWholeFile).bytes;
             m_wholePacked = true;
@@ -87,9 +92,11 @@ class ShapeReader : public FrameReader {
         // many times) run out of this budget instead of taking forever.
         m_chainBudget = m_file.size() / 4 + 64;
         m_byteBudget = 2 * m_file.size() + 65536;
-        for (size_t i = 0; i < m_entries.size(); ++i) parseEntry(static_cast<int>(i));
+        for (size_t i = 0; i < m_entries.size(); ++i)
+            parseEntry(static_cast<int>(i));
         findGlobalPalette();
-        for (size_t i = 0; i < m_entries.size(); ++i) resolvePalette(static_cast<int>(i));
+        for (size_t i = 0; i < m_entries.size(); ++i)
+            resolvePalette(static_cast<int>(i));
         if (m_reports > kMaxReports)
             report("tavix: ... and %d more problems in this file\n", m_reports - kMaxReports);
         for (size_t i = 0; i < m_entries.size(); ++i) {
@@ -229,10 +236,13 @@ void ShapeReader::walkChain(Entry& e) {
         if (n == kMaxChain) fail("more than %d records are chained", kMaxChain);
         if (size - pos < 4) fail("a record at %zu is cut short by the end of the file", pos);
         const uint32_t next = u24at(pos + 1);
-        if (next != 0 && next < 4) fail("the record at %zu points %u bytes on, inside itself", pos, next);
-        if (next > size - pos) fail("the record at %zu points %u bytes on, past the end of the file", pos, next);
+        if (next != 0 && next < 4)
+            fail("the record at %zu points %u bytes on, inside itself", pos, next);
+        if (next > size - pos)
+            fail("the record at %zu points %u bytes on, past the end of the file", pos, next);
         const size_t end = next ? pos + next : boundaryAfter(pos);
-        if (m_chainBudget == 0 || m_byteBudget < end - pos) fail("its records overlap other entries' records");
+        if (m_chainBudget == 0 || m_byteBudget < end - pos)
+            fail("its records overlap other entries' records");
         --m_chainBudget;
         m_byteBudget -= end - pos;
         e.chain.push_back({pos, end, m_file[pos], 0});
@@ -265,10 +275,12 @@ void ShapeReader::classifyFirst(Entry& e) {
         e.flagNibble = static_cast<uint16_t>(x & 0xF000);
         e.mips = static_cast<int>(y >> 12);
         e.format = format;
-        if (e.width == 0 || e.height == 0) fail("bitmap record 0x%02X is %dx%d", id, e.width, e.height);
+        if (e.width == 0 || e.height == 0)
+            fail("bitmap record 0x%02X is %dx%d", id, e.width, e.height);
         if (m_variant.flagsMeanSwizzled && e.flagNibble)
             fail("record 0x%02X is marked swizzled (flags 0x%X at +0C); Zy reads only unswizzled "
-                 "PS2 pixels", id, e.flagNibble >> 12);
+                 "PS2 pixels",
+                 id, e.flagNibble >> 12);
         e.payload = payloadBytes(format->layout, e.width, e.height, e.mips);
         const size_t room = first.end - h - 16;
         if (id & kRecPacked) {
@@ -281,7 +293,8 @@ void ShapeReader::classifyFirst(Entry& e) {
     }
     if (const PaletteFormat* format = findPalette(m_variant, type)) {
         if (id & kRecPacked) fail("palette record 0x%02X is packed, which Zy does not read", id);
-        if (e.width < 1 || e.width > 256) fail("palette record 0x%02X holds %d colours", id, e.width);
+        if (e.width < 1 || e.width > 256)
+            fail("palette record 0x%02X holds %d colours", id, e.width);
         e.paletteLayout = format->layoutFor(e.width);
         if (entryBytes(e.paletteLayout) * e.width > first.end - h - 16)
             fail("palette record 0x%02X is cut short", id);
@@ -324,7 +337,9 @@ void ShapeReader::classifyAttachment(Entry& e, size_t index, bool wantsPalette) 
         const size_t length = room >= 8 ? u32at(r.pos + 4) : SIZE_MAX;
         if (length == 0 || length > room - 8) return bad("text");
         const size_t n = strnlen(reinterpret_cast<const char*>(&m_file[r.pos + 8]), length);
-        if (n > 1023) problem("entry \"%s\": the comment is cut to 1023 characters", nameOf(e, name, sizeof name));
+        if (n > 1023)
+            problem("entry \"%s\": the comment is cut to 1023 characters",
+                    nameOf(e, name, sizeof name));
         e.textPos = r.pos + 8;
         e.textLength = std::min<size_t>(n, 1023);
         r.slot = tail::kSlotText;
@@ -332,8 +347,8 @@ void ShapeReader::classifyAttachment(Entry& e, size_t index, bool wantsPalette) 
         const size_t count = room >= 8 ? u32at(r.pos + 4) : SIZE_MAX;
         if (count == 0 || count > (room - 8) / 8) return bad("hot spot");
         if (count > kTavixMaxHotSpots)
-            problem("entry \"%s\": only the first %d of %zu hot spots are kept", nameOf(e, name, sizeof name),
-                    kTavixMaxHotSpots, count);
+            problem("entry \"%s\": only the first %d of %zu hot spots are kept",
+                    nameOf(e, name, sizeof name), kTavixMaxHotSpots, count);
         e.hotPos = r.pos + 8;
         e.hotCount = std::min<size_t>(count, kTavixMaxHotSpots);
         r.slot = tail::kSlotHotSpots;
@@ -404,9 +419,11 @@ ByteSpan ShapeReader::payloadOf(int entry, size_t* consumed) {
     }
     if (m_cacheEntry != entry) {
         m_cacheEntry = -1;
-        refpack::Decoded d = refpack::decode({&m_file[start], first.end - start}, e.payload + kPackedSlack);
+        refpack::Decoded d =
+            refpack::decode({&m_file[start], first.end - start}, e.payload + kPackedSlack);
         if (d.bytes.size() < e.payload)
-            fail("the packed pixels unpack to %zu bytes, %zu are needed", d.bytes.size(), e.payload);
+            fail("the packed pixels unpack to %zu bytes, %zu are needed", d.bytes.size(),
+                 e.payload);
         m_cache = std::move(d.bytes);
         m_cacheConsumed = d.consumed;
         m_cacheEntry = entry;
@@ -436,7 +453,8 @@ void ShapeReader::decode(int frame, Picture& out) {
     if (e.kind == Kind::Broken) fail("%s", reinterpret_cast<const char*>(e.problem.data()));
     if (e.kind == Kind::Bitmap) return decodeBitmapLevel(ref.entry, ref.level, out);
     out.makeIndexed(e.paletteCount, 1);
-    for (int i = 0; i < e.paletteCount; ++i) out.indices[i] = static_cast<uint8_t>(i);
+    for (int i = 0; i < e.paletteCount; ++i)
+        out.indices[i] = static_cast<uint8_t>(i);
     paletteOf(e, out.palette, out.numcolours);
 }
 
@@ -467,9 +485,10 @@ void ShapeReader::describe(int frame, TavixInfo& info, Bytes& tail) {
         info.centery = e.centery >> ref.level;
         info.defaultx = e.posx;
         info.defaulty = e.posy;
-        info.framesize = static_cast<int32_t>(std::min<size_t>(
-            ref.level ? levelBytes(layout, info.width, info.height) : e.chain[0].end - e.chain[0].pos - 16,
-            INT32_MAX));
+        info.framesize = static_cast<int32_t>(
+            std::min<size_t>(ref.level ? levelBytes(layout, info.width, info.height)
+                                       : e.chain[0].end - e.chain[0].pos - 16,
+                             INT32_MAX));
     } else if (e.kind == Kind::Palette) {
         info.bufferbpp = 8;
         info.bpp = 8;
@@ -501,7 +520,8 @@ void ShapeReader::buildTail(const Entry& e, int level, const TavixInfo& info, By
     memcpy(file + 4, &m_file[12], 4);
     set32(file + 8, m_wholePacked ? uint32_t{tail::kFileWholePacked} : 0u, false);
     ByteSpan pad;
-    if (m_firstRecord >= m_dirEnd && m_firstRecord - m_dirEnd < 16) pad = {m_file.data() + m_dirEnd, m_firstRecord - m_dirEnd};
+    if (m_firstRecord >= m_dirEnd && m_firstRecord - m_dirEnd < 16)
+        pad = {m_file.data() + m_dirEnd, m_firstRecord - m_dirEnd};
     t.add(tail::kTagFile, {ByteSpan(file, 12), pad});
 
     uint8_t entry[12] = {};
@@ -509,9 +529,12 @@ void ShapeReader::buildTail(const Entry& e, int level, const TavixInfo& info, By
     entry[4] = e.id;
     entry[5] = static_cast<uint8_t>(level);
     entry[6] = static_cast<uint8_t>(e.mips);
-    entry[7] = static_cast<uint8_t>((e.longName ? tail::kEntryLongName : 0) | (e.nextIsSize ? tail::kEntryNextIsSize : 0));
+    entry[7] = static_cast<uint8_t>((e.longName ? tail::kEntryLongName : 0) |
+                                    (e.nextIsSize ? tail::kEntryNextIsSize : 0));
     set32(entry + 8, e.flagNibble, false);
-    t.add(tail::kTagEntry, {ByteSpan(entry, 12), ByteSpan(reinterpret_cast<const uint8_t*>(info.framename), strlen(info.framename))});
+    t.add(tail::kTagEntry,
+          {ByteSpan(entry, 12),
+           ByteSpan(reinterpret_cast<const uint8_t*>(info.framename), strlen(info.framename))});
 
     if (level == 0) {
         Bytes slots;
@@ -520,10 +543,14 @@ void ShapeReader::buildTail(const Entry& e, int level, const TavixInfo& info, By
         if (!slots.empty()) t.add(tail::kTagLayout, slots);
         for (size_t i = 1; i < e.chain.size(); ++i)
             if (e.chain[i].slot == tail::kSlotKept)
-                t.add(tail::kTagKept, ByteSpan(&m_file[e.chain[i].pos], e.chain[i].end - e.chain[i].pos));
-        const Record* palette = e.kind == Kind::Palette ? &e.chain[0] : e.palette >= 0 ? &e.chain[e.palette] : nullptr;
+                t.add(tail::kTagKept,
+                      ByteSpan(&m_file[e.chain[i].pos], e.chain[i].end - e.chain[i].pos));
+        const Record* palette = e.kind == Kind::Palette ? &e.chain[0]
+                                : e.palette >= 0        ? &e.chain[e.palette]
+                                                        : nullptr;
         if (palette)
-            t.add(tail::kTagPalette, ByteSpan(&m_file[palette->pos], 16 + entryBytes(e.paletteLayout) * e.paletteCount));
+            t.add(tail::kTagPalette, ByteSpan(&m_file[palette->pos],
+                                              16 + entryBytes(e.paletteLayout) * e.paletteCount));
     }
     if (e.kind == Kind::Bitmap) keepStoredPixels(e, level, info, t);
     t.finish(out);
@@ -532,7 +559,8 @@ void ShapeReader::buildTail(const Entry& e, int level, const TavixInfo& info, By
 // Stored pixels that decoding would not reproduce, and the packed stream,
 // so that the writer can give them back unchanged. A payload that does not
 // unpack is left out here; reading the frame reports it.
-void ShapeReader::keepStoredPixels(const Entry& e, int level, const TavixInfo& info, TailBuilder& t) {
+void ShapeReader::keepStoredPixels(const Entry& e, int level, const TavixInfo& info,
+                                   TailBuilder& t) {
     try {
         const int entryIndex = static_cast<int>(&e - m_entries.data());
         size_t consumed = 0;
@@ -540,17 +568,19 @@ void ShapeReader::keepStoredPixels(const Entry& e, int level, const TavixInfo& i
         const Layout layout = e.format->layout;
         const int32_t w = info.width, h = info.height;
         ByteSpan stored = payload.subspan(levelOffset(e, level), levelBytes(layout, w, h));
-        bool lossless = layout != Layout::Dxt1 && layout != Layout::Dxt3 && layout != Layout::Dxt5 &&
-                        layout != Layout::GcCmpr;
+        bool lossless = layout != Layout::Dxt1 && layout != Layout::Dxt3 &&
+                        layout != Layout::Dxt5 && layout != Layout::GcCmpr;
         if (lossless) {
             Picture picture;
             decodeLevel(m_variant, layout, stored.data(), w, h, picture);
             Bytes again;
             encodeLevel(m_variant, layout, picture, 100, again);
-            lossless = again.size() == stored.size() && std::equal(again.begin(), again.end(), stored.begin());
+            lossless = again.size() == stored.size() &&
+                       std::equal(again.begin(), again.end(), stored.begin());
         }
         if (!lossless) t.add(tail::kTagPixels, stored);
-        if (level == 0 && (e.id & kRecPacked)) t.add(tail::kTagPacked, ByteSpan(&m_file[e.chain[0].pos + 16], consumed));
+        if (level == 0 && (e.id & kRecPacked))
+            t.add(tail::kTagPacked, ByteSpan(&m_file[e.chain[0].pos + 16], consumed));
     } catch (const FormatError&) {
     }
 }

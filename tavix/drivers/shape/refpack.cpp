@@ -29,7 +29,8 @@ Header readHeader(std::span<const uint8_t> data) {
     if (data.size() < length) fail("the RefPack header is cut short");
     const uint8_t* p = data.data() + length - field;
     size_t size = 0;
-    for (size_t i = 0; i < field; ++i) size = size << 8 | p[i];
+    for (size_t i = 0; i < field; ++i)
+        size = size << 8 | p[i];
     return {length, size};
 }
 
@@ -51,7 +52,8 @@ size_t run(std::span<const uint8_t> data, const Header& header, uint8_t* out, si
         if (literals) {
             need(literals);
             if (header.size - done < literals) fail("RefPack literals run past the declared size");
-            for (size_t i = 0; i < literals && done + i < capacity; ++i) out[done + i] = in[at + i];
+            for (size_t i = 0; i < literals && done + i < capacity; ++i)
+                out[done + i] = in[at + i];
             at += literals;
             done += literals;
         }
@@ -60,7 +62,8 @@ size_t run(std::span<const uint8_t> data, const Header& header, uint8_t* out, si
                 fail("a RefPack copy reaches %zu bytes back with only %zu written", distance, done);
             if (header.size - done < length) fail("a RefPack copy runs past the declared size");
             const size_t stop = std::min(done + length, capacity);
-            for (size_t k = done; k < stop; ++k) out[k] = out[k - distance]; // may overlap
+            for (size_t k = done; k < stop; ++k)
+                out[k] = out[k - distance]; // may overlap
             done += length;
         }
     };
@@ -113,7 +116,8 @@ size_t run(std::span<const uint8_t> data, const Header& header, uint8_t* out, si
 
 void checkPlausible(std::span<const uint8_t> data, const Header& header, size_t limit) {
     if (header.size > limit)
-        fail("the RefPack stream unpacks to %zu bytes, more than the %zu expected", header.size, limit);
+        fail("the RefPack stream unpacks to %zu bytes, more than the %zu expected", header.size,
+             limit);
     if (header.size / kMaxExpansion > data.size())
         fail("the RefPack stream claims %zu bytes from only %zu", header.size, data.size());
 }
@@ -133,7 +137,8 @@ uint32_t hash3(const uint8_t* p, int bits) {
 // more than compressing a few hundred bytes.
 int hashBitsFor(size_t size) {
     int bits = 10;
-    while (bits < kMaxHashBits && (size_t{1} << bits) < size) ++bits;
+    while (bits < kMaxHashBits && (size_t{1} << bits) < size)
+        ++bits;
     return bits;
 }
 
@@ -178,7 +183,8 @@ class Encoder {
                 }
             }
             emitCopy(literalStart, pos, here);
-            for (size_t i = pos + 1; i < pos + here.length; ++i) insert(i);
+            for (size_t i = pos + 1; i < pos + here.length; ++i)
+                insert(i);
             pos += here.length;
             literalStart = pos;
         }
@@ -207,7 +213,8 @@ class Encoder {
             const uint8_t* b = m_in + candidate;
             if (b[found.length] == a[found.length] || found.length == 0) {
                 size_t n = 0;
-                while (n < limit && a[n] == b[n]) ++n;
+                while (n < limit && a[n] == b[n])
+                    ++n;
                 Match m{n, distance};
                 if (m.saving() > found.saving()) found = m;
                 if (n >= kNiceLength || n == limit) break;
@@ -246,7 +253,8 @@ class Encoder {
             m_out.push_back(static_cast<uint8_t>(d));
         } else {
             size_t l = m.length - 5;
-            m_out.push_back(static_cast<uint8_t>(0xC0 | ((d >> 12) & 0x10) | ((l >> 6) & 0x0C) | p));
+            m_out.push_back(
+                static_cast<uint8_t>(0xC0 | ((d >> 12) & 0x10) | ((l >> 6) & 0x0C) | p));
             m_out.push_back(static_cast<uint8_t>(d >> 8));
             m_out.push_back(static_cast<uint8_t>(d));
             m_out.push_back(static_cast<uint8_t>(l));
@@ -268,7 +276,9 @@ bool looksPacked(std::span<const uint8_t> data) {
     return data.size() >= 5 && data[1] == 0xFB && (data[0] & 0x7E) == 0x10;
 }
 
-size_t declaredSize(std::span<const uint8_t> data) { return readHeader(data).size; }
+size_t declaredSize(std::span<const uint8_t> data) {
+    return readHeader(data).size;
+}
 
 Decoded decode(std::span<const uint8_t> data, size_t limit) {
     Header header = readHeader(data);
@@ -294,7 +304,8 @@ Bytes encode(std::span<const uint8_t> data) {
     const bool wide = size > 0xFFFFFF;
     out.push_back(wide ? 0x90 : 0x10);
     out.push_back(0xFB);
-    for (int shift = wide ? 24 : 16; shift >= 0; shift -= 8) out.push_back(static_cast<uint8_t>(size >> shift));
+    for (int shift = wide ? 24 : 16; shift >= 0; shift -= 8)
+        out.push_back(static_cast<uint8_t>(size >> shift));
     Encoder(data, out).run();
     return out;
 }

@@ -64,14 +64,18 @@ bool sameChannels(const Channels& a, const TavixInfo& info) {
 
 int maxIndex(const Picture& p) {
     int top = 0;
-    for (uint8_t v : p.indices) top = std::max<int>(top, v);
+    for (uint8_t v : p.indices)
+        top = std::max<int>(top, v);
     return top;
 }
 
-bool isPaletteName(const char* name) { return strcasecmp(name, "!pal") == 0; }
+bool isPaletteName(const char* name) {
+    return strcasecmp(name, "!pal") == 0;
+}
 
 bool sameLevel(const Picture& stored, const Picture& p) {
-    if (stored.indexed != p.indexed || stored.width != p.width || stored.height != p.height) return false;
+    if (stored.indexed != p.indexed || stored.width != p.width || stored.height != p.height)
+        return false;
     if (stored.indexed) return stored.indices == p.indices;
     for (size_t i = 0; i < stored.argb.size(); ++i)
         if (stored.argb[i] != p.argbAt(i)) return false;
@@ -91,8 +95,8 @@ class ShapeWriter : public FrameWriter {
         pending->sameVariant = pending->tail.variant == m_variant.formatid;
         pending->picture = std::move(picture);
         if (pending->picture.width > 65535 || pending->picture.height > 65535)
-            fail("a %dx%d frame is larger than a shape record can hold (65535)", pending->picture.width,
-                 pending->picture.height);
+            fail("a %dx%d frame is larger than a shape record can hold (65535)",
+                 pending->picture.width, pending->picture.height);
         m_frames.push_back(std::move(pending));
     }
 
@@ -112,7 +116,8 @@ class ShapeWriter : public FrameWriter {
     Bytes pixels(const Plan& plan);
     Bytes keptPixels(const Pending& f, Layout layout) const;
     bool localPalette(const Plan& plan, Piece& piece);
-    void paletteRecord(const Pending& f, const TavixColour* colours, int count, uint8_t preferred, Piece& piece);
+    void paletteRecord(const Pending& f, const TavixColour* colours, int count, uint8_t preferred,
+                       Piece& piece);
     void attachments(const Pending& f, bool withPalette, Piece& palette, HostVector<Piece>& pieces);
     void directoryName(const Pending& f, uint8_t out[4]) const;
     bool nameUnchanged(const Pending& f) const;
@@ -140,7 +145,8 @@ uint8_t ShapeWriter::chooseRecord(const Pending& f) {
     }
     if (p.indexed) return m_variant.indexed8;
     for (const DerivedFormat& d : kDerived)
-        if (d.bpp == info.bpp && sameChannels(d.bits, info) && findBitmap(m_variant, d.id)) return d.id;
+        if (d.bpp == info.bpp && sameChannels(d.bits, info) && findBitmap(m_variant, d.id))
+            return d.id;
     return m_variant.trueColour;
 }
 
@@ -157,7 +163,8 @@ bool ShapeWriter::folds(const Plan& plan, const Pending& f, uint8_t id) const {
     if (level > 15) return false;
     const Pending& base = *m_frames[plan.base];
     const Picture& b = base.picture;
-    if (f.picture.width != levelSide(b.width, level) || f.picture.height != levelSide(b.height, level))
+    if (f.picture.width != levelSide(b.width, level) ||
+        f.picture.height != levelSide(b.height, level))
         return false;
     if (f.picture.indexed != b.indexed) return false;
     // A record has one palette: an indexed level folds only if it shares it.
@@ -168,7 +175,8 @@ void ShapeWriter::plan() {
     for (int i = 0; i < static_cast<int>(m_frames.size()); ++i) {
         Pending& f = frame(i);
         if (isPaletteEntry(f)) {
-            if (f.picture.width > 256) fail("palette image \"%s\" has more than 256 colours", f.info.framename);
+            if (f.picture.width > 256)
+                fail("palette image \"%s\" has more than 256 colours", f.info.framename);
             Plan p;
             p.base = i;
             p.paletteEntry = true;
@@ -191,7 +199,8 @@ void ShapeWriter::plan() {
 // The colours a palette image stands for: pixel x of its row shows colour x.
 void ShapeWriter::paletteColours(const Pending& f, TavixColour out[256], int& count) const {
     count = f.picture.width;
-    for (int x = 0; x < count; ++x) out[x] = f.picture.palette[f.picture.indices[x]];
+    for (int x = 0; x < count; ++x)
+        out[x] = f.picture.palette[f.picture.indices[x]];
 }
 
 void ShapeWriter::globalPalette() {
@@ -205,7 +214,8 @@ void ShapeWriter::globalPalette() {
 bool ShapeWriter::nameUnchanged(const Pending& f) const {
     if (!f.tail.hasEntry || f.tail.level != 0) return false;
     const ByteSpan name = f.tail.originalName;
-    return strlen(f.info.framename) == name.size() && memcmp(f.info.framename, name.data(), name.size()) == 0;
+    return strlen(f.info.framename) == name.size() &&
+           memcmp(f.info.framename, name.data(), name.size()) == 0;
 }
 
 void ShapeWriter::directoryName(const Pending& f, uint8_t out[4]) const {
@@ -233,9 +243,11 @@ Bytes ShapeWriter::keptPixels(const Pending& f, Layout layout) const {
     const BitmapFormat* format = from ? findBitmap(*from, t.recordId & 0x7F) : nullptr;
     if (!format || t.pixels.empty()) return {};
     const int32_t w = f.picture.width, h = f.picture.height;
-    if (format->layout == Layout::Dxt1 && layout == Layout::GcCmpr && t.pixels.size() == levelBytes(format->layout, w, h))
+    if (format->layout == Layout::Dxt1 && layout == Layout::GcCmpr &&
+        t.pixels.size() == levelBytes(format->layout, w, h))
         return dxt::dxt1ToCmpr(t.pixels.data(), w, h);
-    if (format->layout == Layout::GcCmpr && layout == Layout::Dxt1 && t.pixels.size() == levelBytes(format->layout, w, h))
+    if (format->layout == Layout::GcCmpr && layout == Layout::Dxt1 &&
+        t.pixels.size() == levelBytes(format->layout, w, h))
         return dxt::cmprToDxt1(t.pixels.data(), w, h);
     return Bytes(t.pixels.begin(), t.pixels.end());
 }
@@ -254,13 +266,15 @@ Bytes ShapeWriter::pixels(const Plan& plan) {
         bool reused = false;
         if (kept.size() == size) {
             Picture stored;
-            decodeLevel(m_variant, plan.layout, kept.data(), f.picture.width, f.picture.height, stored);
+            decodeLevel(m_variant, plan.layout, kept.data(), f.picture.width, f.picture.height,
+                        stored);
             if (sameLevel(stored, f.picture)) {
                 raw.insert(raw.end(), kept.begin(), kept.end());
                 reused = true;
             }
         }
-        if (!reused) encodeLevel(m_variant, plan.layout, f.picture, quality > 0 ? quality : 100, raw);
+        if (!reused)
+            encodeLevel(m_variant, plan.layout, f.picture, quality > 0 ? quality : 100, raw);
     }
     return raw;
 }
@@ -274,12 +288,17 @@ void ShapeWriter::bitmapRecord(const Plan& plan, Piece& piece) {
     put24(out, 0, big());
     put16(out, static_cast<uint32_t>(f.picture.width), big());
     put16(out, static_cast<uint32_t>(f.picture.height), big());
-    put16(out, static_cast<uint32_t>(clamp(info.centerx, 65535, m_centreReported, "centre points")), big());
-    put16(out, static_cast<uint32_t>(clamp(info.centery, 65535, m_centreReported, "centre points")), big());
-    const uint32_t flags = f.sameVariant && !m_variant.flagsMeanSwizzled ? (f.tail.flagNibble & 0xF000) : 0;
+    put16(out, static_cast<uint32_t>(clamp(info.centerx, 65535, m_centreReported, "centre points")),
+          big());
+    put16(out, static_cast<uint32_t>(clamp(info.centery, 65535, m_centreReported, "centre points")),
+          big());
+    const uint32_t flags =
+        f.sameVariant && !m_variant.flagsMeanSwizzled ? (f.tail.flagNibble & 0xF000) : 0;
     put16(out, flags | clamp(info.defaultx, 4095, m_positionReported, "positions"), big());
-    put16(out, static_cast<uint32_t>(plan.levels.size()) << 12 |
-                   clamp(info.defaulty, 4095, m_positionReported, "positions"), big());
+    put16(out,
+          static_cast<uint32_t>(plan.levels.size()) << 12 |
+              clamp(info.defaulty, 4095, m_positionReported, "positions"),
+          big());
     Bytes raw = pixels(plan);
     if (!packed) {
         out.insert(out.end(), raw.begin(), raw.end());
@@ -303,14 +322,15 @@ void ShapeWriter::bitmapRecord(const Plan& plan, Piece& piece) {
     out.insert(out.end(), stream.begin(), stream.end());
 }
 
-void ShapeWriter::paletteRecord(const Pending& f, const TavixColour* colours, int count, uint8_t preferred,
-                                Piece& piece) {
+void ShapeWriter::paletteRecord(const Pending& f, const TavixColour* colours, int count,
+                                uint8_t preferred, Piece& piece) {
     Bytes& out = piece.bytes;
     if (f.tail.palette.size() >= 16) {
         const ByteSpan raw = f.tail.palette;
         const PaletteFormat* format = findPalette(m_variant, raw[0]);
         const int stored = static_cast<int>(get16(raw.data() + 4, big()));
-        if (format && stored == count && raw.size() == 16 + entryBytes(format->layoutFor(count)) * count) {
+        if (format && stored == count &&
+            raw.size() == 16 + entryBytes(format->layoutFor(count)) * count) {
             TavixColour back[256];
             decodePalette(m_variant, format->layoutFor(count), raw.data() + 16, count, back);
             if (memcmp(back, colours, sizeof(TavixColour) * count) == 0) {
@@ -319,12 +339,14 @@ void ShapeWriter::paletteRecord(const Pending& f, const TavixColour* colours, in
             }
         }
         // The colours changed: keep the record type when it still fits them.
-        if (format && !preferred && paletteFits(m_variant, format->layoutFor(count), colours, count))
+        if (format && !preferred &&
+            paletteFits(m_variant, format->layoutFor(count), colours, count))
             preferred = format->id;
     }
     if (!preferred) {
         bool alpha = false;
-        for (int i = 0; i < count; ++i) alpha |= colours[i].alpha != 255;
+        for (int i = 0; i < count; ++i)
+            alpha |= colours[i].alpha != 255;
         preferred = alpha ? m_variant.paletteAlpha : m_variant.paletteOpaque;
     }
     const PaletteFormat* format = findPalette(m_variant, preferred);
@@ -344,24 +366,29 @@ bool ShapeWriter::localPalette(const Plan& plan, Piece& piece) {
     if (m_variant.fullPalettes) count = isFourBit(plan.layout) ? 16 : 256;
     count = std::min(count, 256);
     const bool hadLocal = f.tail.hasEntry && f.tail.layout.size() &&
-                          std::find(f.tail.layout.begin(), f.tail.layout.end(), tail::kSlotPalette) != f.tail.layout.end();
-    const bool global = m_globalCount == count && memcmp(m_global, f.picture.palette, sizeof(TavixColour) * count) == 0;
+                          std::find(f.tail.layout.begin(), f.tail.layout.end(),
+                                    tail::kSlotPalette) != f.tail.layout.end();
+    const bool global = m_globalCount == count &&
+                        memcmp(m_global, f.picture.palette, sizeof(TavixColour) * count) == 0;
     if (global && !hadLocal) return false;
     const uint8_t preferred = isFourBit(plan.layout) ? m_variant.palette16 : 0;
     paletteRecord(f, f.picture.palette, count, preferred, piece);
     return true;
 }
 
-void ShapeWriter::attachments(const Pending& f, bool withPalette, Piece& palette, HostVector<Piece>& pieces) {
+void ShapeWriter::attachments(const Pending& f, bool withPalette, Piece& palette,
+                              HostVector<Piece>& pieces) {
     const TavixInfo& info = f.info;
     const bool family = f.tail.hasEntry && f.tail.level == 0;
     const size_t nameLength = strnlen(info.framename, sizeof info.framename);
-    const bool longName = nameLength > 4 || (nameUnchanged(f) && (f.tail.entryFlags & tail::kEntryLongName));
+    const bool longName =
+        nameLength > 4 || (nameUnchanged(f) && (f.tail.entryFlags & tail::kEntryLongName));
     const size_t commentLength = strnlen(info.comment, sizeof info.comment - 1);
     const int hotspots = std::clamp(info.numhotspots, 0, kTavixMaxHotSpots);
     const HostVector<ByteSpan>* kept = family && f.sameVariant ? &f.tail.kept : nullptr;
     if (family && !f.sameVariant && !f.tail.kept.empty() && !m_crossReported) {
-        report("tavix: attachments Zy does not interpret stay behind when a frame moves to another platform\n");
+        report("tavix: attachments Zy does not interpret stay behind when a frame moves to another "
+               "platform\n");
         m_crossReported = true;
     }
     bool done[6] = {};
@@ -405,15 +432,20 @@ void ShapeWriter::attachments(const Pending& f, bool withPalette, Piece& palette
             ++nextKept;
             pieces.push_back(std::move(piece));
             return;
-        default: return;
+        default:
+            return;
         }
         done[slot] = true;
         pieces.push_back(std::move(piece));
     };
     if (family)
-        for (uint8_t slot : f.tail.layout) emit(slot);
-    for (uint8_t slot : {tail::kSlotPalette, tail::kSlotLongName, tail::kSlotText, tail::kSlotHotSpots}) emit(slot);
-    while (kept && nextKept < kept->size()) emit(tail::kSlotKept);
+        for (uint8_t slot : f.tail.layout)
+            emit(slot);
+    for (uint8_t slot :
+         {tail::kSlotPalette, tail::kSlotLongName, tail::kSlotText, tail::kSlotHotSpots})
+        emit(slot);
+    while (kept && nextKept < kept->size())
+        emit(tail::kSlotKept);
 }
 
 void ShapeWriter::writeEntry(const Plan& plan, Bytes& out) {
@@ -425,14 +457,17 @@ void ShapeWriter::writeEntry(const Plan& plan, Bytes& out) {
         TavixColour colours[256];
         int count = 0;
         paletteColours(f, colours, count);
-        const bool asIs = f.info.subtype > 0 && f.info.subtype < 0x80 && findPalette(m_variant, static_cast<uint8_t>(f.info.subtype));
-        paletteRecord(f, colours, count, asIs ? static_cast<uint8_t>(f.info.subtype) : 0, pieces[0]);
+        const bool asIs = f.info.subtype > 0 && f.info.subtype < 0x80 &&
+                          findPalette(m_variant, static_cast<uint8_t>(f.info.subtype));
+        paletteRecord(f, colours, count, asIs ? static_cast<uint8_t>(f.info.subtype) : 0,
+                      pieces[0]);
     } else {
         bitmapRecord(plan, pieces[0]);
         withPalette = localPalette(plan, palette);
     }
     attachments(f, withPalette, palette, pieces);
-    const bool nextIsSize = f.tail.hasEntry && f.tail.level == 0 && (f.tail.entryFlags & tail::kEntryNextIsSize);
+    const bool nextIsSize =
+        f.tail.hasEntry && f.tail.level == 0 && (f.tail.entryFlags & tail::kEntryNextIsSize);
     for (size_t i = 0; i < pieces.size(); ++i) {
         Bytes& b = pieces[i].bytes;
         if (b.size() < 4) fail("a kept record is too short to write");
@@ -440,7 +475,8 @@ void ShapeWriter::writeEntry(const Plan& plan, Bytes& out) {
         const bool last = i + 1 == pieces.size();
         const size_t next = last && !nextIsSize ? 0 : padded;
         if (next > 0xFFFFFF)
-            fail("\"%s\": a record of %zu bytes leaves no room for the records after it (next offsets have "
+            fail("\"%s\": a record of %zu bytes leaves no room for the records after it (next "
+                 "offsets have "
                  "24 bits); drop its name, comment and hot spots or make it smaller",
                  f.info.framename, padded);
         set24(&b[1], static_cast<uint32_t>(next), big());
@@ -469,11 +505,14 @@ void ShapeWriter::finish(Bytes& file) {
     const size_t firstRecord = (dirEnd + 15) & ~size_t{15};
     file.clear();
     const bool keepMagic = source && hasMagic(m_variant, ByteSpan(source->tail.magic, 4));
-    file.insert(file.end(), keepMagic ? source->tail.magic : reinterpret_cast<const uint8_t*>(m_variant.magic),
-                (keepMagic ? source->tail.magic : reinterpret_cast<const uint8_t*>(m_variant.magic)) + 4);
+    file.insert(
+        file.end(),
+        keepMagic ? source->tail.magic : reinterpret_cast<const uint8_t*>(m_variant.magic),
+        (keepMagic ? source->tail.magic : reinterpret_cast<const uint8_t*>(m_variant.magic)) + 4);
     put32(file, 0, big());
     put32(file, static_cast<uint32_t>(count), big());
-    const uint8_t* dirid = family ? family->tail.dirid : reinterpret_cast<const uint8_t*>(kDefaultDirectoryId);
+    const uint8_t* dirid =
+        family ? family->tail.dirid : reinterpret_cast<const uint8_t*>(kDefaultDirectoryId);
     file.insert(file.end(), dirid, dirid + 4);
     file.resize(firstRecord, 0);
     if (source && source->tail.dirPad.size() == firstRecord - dirEnd)
@@ -493,6 +532,8 @@ void ShapeWriter::finish(Bytes& file) {
 
 } // namespace
 
-HostPtr<FrameWriter> createShape(const Variant& variant) { return makeHost<ShapeWriter>(variant); }
+HostPtr<FrameWriter> createShape(const Variant& variant) {
+    return makeHost<ShapeWriter>(variant);
+}
 
 } // namespace tavix::shape

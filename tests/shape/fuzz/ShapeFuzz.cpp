@@ -41,7 +41,9 @@ void readAndRewrite(const Driver& driver, const uint8_t* data, size_t size, bool
             k->info.quality = 10; // the fast DXT fit
             k->info.frame = i;
             reader->describe(i, k->info, k->tail);
-            if (static_cast<size_t>(k->info.width) * static_cast<size_t>(k->info.height) > kMaxPixels) continue;
+            if (static_cast<size_t>(k->info.width) * static_cast<size_t>(k->info.height) >
+                kMaxPixels)
+                continue;
             try {
                 reader->decode(i, k->picture);
             } catch (const FormatError&) {
@@ -90,7 +92,8 @@ int shapeFuzzRefPack(const uint8_t* data, size_t size) {
     try {
         Bytes packed = refpack::encode({data, size});
         refpack::Decoded back = refpack::decode(packed, size);
-        if (back.bytes.size() != size || (size && memcmp(back.bytes.data(), data, size) != 0)) abort();
+        if (back.bytes.size() != size || (size && memcmp(back.bytes.data(), data, size) != 0))
+            abort();
     } catch (const FormatError&) {
         abort(); // our own output must always decode
     }
