@@ -20,5 +20,6 @@ int runExport(const Args& args);
 int runModules(const Args& args);
 int runRun(const Args& args);
 int runSelect(const Args& args);
+int runMipmap(const Args& args);
 
 } // namespace zytool

@@ -30,6 +30,9 @@ const Verb kVerbs[] = {
     {"run", "run MODULE [values...] IN OUT [--select EXPR] [--format NAME]\n"
             "                                  apply an image module to the frames of IN",
      zytool::runRun},
+    {"mipmap", "mipmap IN OUT [--levels N] [--method M] [--select EXPR] [--format NAME]\n"
+               "                                  give every frame a chain of mip-map levels",
+     zytool::runMipmap},
     {"modules", "modules                         list the image modules and their parameters",
      zytool::runModules},
 };

@@ -241,4 +241,32 @@ TEST_F(Zytool, RunPixelMakesRedEqualGreen) {
         EXPECT_EQ(after[i], (before[i] & 0xFF00FFFFu) | ((before[i] >> 8) & 0xFF) << 16) << i;
 }
 
+TEST_F(Zytool, MipmapAddsLevelsAndReplacesAnOldChain) {
+    std::vector<TavixFrame> frames;
+    frames.push_back(makeFrame(16, 8, 32, "rock"));
+    frames.push_back(makeFrame(3, 3, 32, "tiny"));
+    std::string in = writeFrames("tex.tvx", std::move(frames));
+    std::string once = (m_folder / "once.tvx").string();
+    ToolRun run = zytool("mipmap " + in + " " + once + " --levels 3 --method 1 --select rock", m_folder);
+    ASSERT_EQ(run.status, 0) << run.err;
+    TavixReadResult chain = TavixReadFile(once);
+    ASSERT_EQ(chain.frames.size(), 4u);
+    const char* names[] = {"rock", "rock_mm01", "rock_mm02", "tiny"};
+    const int widths[] = {16, 8, 4, 3};
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_STREQ(chain.frames[i].info->framename, names[i]);
+        EXPECT_EQ(chain.frames[i].info->width, widths[i]);
+        EXPECT_EQ((chain.frames[i].info->attributes & kAttrMipLevel) != 0, i < 3) << i;
+    }
+    EXPECT_EQ(argbPixels(chain.frames[0]), argbPixels(makeFrame(16, 8, 32))) << "level 0 is the image itself";
+
+    std::string twice = (m_folder / "twice.tvx").string();
+    run = zytool("mipmap " + once + " " + twice + " --levels 2 --select 0", m_folder);
+    ASSERT_EQ(run.status, 0) << run.err;
+    TavixReadResult again = TavixReadFile(twice);
+    ASSERT_EQ(again.frames.size(), 3u) << "the old chain is replaced, not nested";
+    EXPECT_STREQ(again.frames[1].info->framename, "rock_mm01");
+    EXPECT_STREQ(again.frames[2].info->framename, "tiny");
+}
+
 } // namespace
