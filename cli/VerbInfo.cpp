@@ -3,6 +3,7 @@
 #include "cli/Verbs.h"
 
 #include "cli/Tool.h"
+#include "tavix/drivers/shape/ShapeTail.h"
 
 #include <cstdio>
 #include <string>
@@ -31,9 +32,12 @@ void printFrame(int index, const TavixInfo& info) {
     if (info.packed) printf("  packed");
     if (info.attributes & kAttrMipLevel) printf("  mip-level");
     if (info.numhotspots > 0) printf("  hotspots %d", info.numhotspots);
-    if (info.size > kTavixInfoSize) printf("  kept-bytes %d", info.size - kTavixInfoSize);
+    char kept[1024];
+    bool shapeTail = ShapeTailSummary(&info, kept, sizeof kept) > 0;
+    if (info.size > kTavixInfoSize && !shapeTail) printf("  kept-bytes %d", info.size - kTavixInfoSize);
     if (info.comment[0]) printf("  comment %s", quoted(info.comment, sizeof info.comment).c_str());
     printf("\n");
+    if (shapeTail) printf("       %s\n", kept);
 }
 
 } // namespace
