@@ -39,7 +39,7 @@ constexpr uint64_t kMaxInflation = 1032;
 
 // libpng's error and memory context: the message of the error that ended a
 // run, and the largest single block libpng may have.
-struct PngMessage {
+struct PngContext {
     char text[200] = "";
     size_t allocationLimit = 0x7FFFFF00u;
 };
@@ -47,7 +47,7 @@ struct PngMessage {
 // libpng's own limits on ancillary chunks do not stop every large request,
 // so no block may exceed what the image in hand can need.
 png_voidp hostMalloc(png_structp png, png_alloc_size_t size) {
-    auto* context = static_cast<const PngMessage*>(png_get_mem_ptr(png));
+    auto* context = static_cast<const PngContext*>(png_get_mem_ptr(png));
     if (size > 0x7FFFFF00u || (context && size > context->allocationLimit)) return nullptr;
     return host().alloc(static_cast<int32_t>(std::max<png_alloc_size_t>(size, 1)));
 }
@@ -57,7 +57,7 @@ void hostFree(png_structp, png_voidp block) {
 }
 
 [[noreturn]] void onError(png_structp png, png_const_charp text) {
-    auto* message = static_cast<PngMessage*>(png_get_error_ptr(png));
+    auto* message = static_cast<PngContext*>(png_get_error_ptr(png));
     copyText(message->text, sizeof message->text, text);
     png_longjmp(png, 1);
 }
@@ -70,7 +70,7 @@ struct PngReadJob {
     const uint8_t* data = nullptr;
     size_t size = 0;
     size_t pos = 0;
-    PngMessage message;
+    PngContext message;
     // From the header.
     png_uint_32 width = 0, height = 0;
     int bitDepth = 0, colourType = 0, interlace = 0;
@@ -311,7 +311,7 @@ class PngReader : public FrameReader {
 // --- writing ---------------------------------------------------------------
 
 struct PngWriteJob {
-    PngMessage message;
+    PngContext message;
     png_uint_32 width = 0, height = 0;
     int colourType = 0;
     png_color palette[256] = {};

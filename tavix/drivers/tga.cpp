@@ -13,10 +13,12 @@
 // Writing: indexed frames as colour-mapped 8-bit with 24-bit map entries, or
 // 32-bit entries when the record has alpha bits and some entry is not
 // opaque; true colour as 24-bit when the record has no alpha bits or every
-// pixel is opaque, else 32-bit with 8 alpha bits. Rows are stored bottom to
-// top (the origin every reader understands), packed per row when the
-// record's `packed` is set, followed by a TGA 2.0 footer. Frame names,
-// points and comments have no place in the format and are not stored.
+// pixel is opaque, else 32-bit. Whenever alpha is stored the descriptor
+// names 8 alpha bits, so no reader takes it for an unused byte. Rows are
+// stored bottom to top (the origin every reader understands), packed per
+// row when the record's `packed` is set, followed by a TGA 2.0 footer.
+// Frame names, points and comments have no place in the format and are
+// not stored.
 //
 // Detection: the format has no signature, so a header is only "plausible"
 // when every field holds a defined value and the image fits the file. A
@@ -299,10 +301,10 @@ class TgaReader : public FrameReader {
                     colour = colourAt(data, h.depth, h.alphaBits() > 0);
                 m_picture.argb[target(row, column)] = colour;
             }
-        m_alphaBits = greyAlpha ? 8
-                      : h.kind() == kGrey
-                          ? 0
-                          : settleAlpha(h, h.depth, m_picture.argb.data(), m_picture.argb.size());
+        if (h.kind() == kGrey)
+            m_alphaBits = greyAlpha ? 8 : 0;
+        else
+            m_alphaBits = settleAlpha(h, h.depth, m_picture.argb.data(), m_picture.argb.size());
     }
 
     TgaHeader m_header;
