@@ -18,9 +18,9 @@ template <size_t N> QString field(const char (&text)[N]) {
 
 QString CAboutDlg::LibraryText(const TavixAbout* about, const QString& path, int drivers) {
     if (!about) return QString("Codec library: %1\n(it carries no about record)").arg(path);
-    QString text = QString("Codec library: %1\n%2\nAuthor: %3\nVersion: %4")
-                       .arg(path, field(about->description), field(about->author),
-                            field(about->version));
+    QString text =
+        QString("Codec library: %1\n%2\nAuthor: %3\nVersion: %4")
+            .arg(path, field(about->description), field(about->author), field(about->version));
     if (about->notes[0]) text += "\n" + field(about->notes);
     text += QString("\nDrivers: %1").arg(drivers);
     return text;
@@ -31,8 +31,8 @@ CAboutDlg::CAboutDlg(QWidget* parent) : QDialog(parent) {
     auto* layout = new QVBoxLayout(this);
     auto* title = new QLabel(QString("<b>Zy</b> %1<br>Shape file editor").arg(ZY_VERSION));
     layout->addWidget(title);
-    m_Text = LibraryText(TavixLibraryAbout(), QString::fromStdString(TavixLibraryPath()),
-                         TavixCount());
+    m_Text =
+        LibraryText(TavixLibraryAbout(), QString::fromStdString(TavixLibraryPath()), TavixCount());
     auto* library = new QLabel(m_Text);
     library->setTextInteractionFlags(Qt::TextSelectableByMouse);
     layout->addWidget(library);

@@ -25,8 +25,8 @@ void CAdsSettings::Load(const CProfile& p) {
     m_Width = p.GetInt(kAdsSection, "Width", d.m_Width);
     m_Height = p.GetInt(kAdsSection, "Height", d.m_Height);
     m_Bpp = p.GetInt(kAdsSection, "Bpp", d.m_Bpp);
-    m_BackColor = static_cast<uint32_t>(
-        p.GetInt(kAdsSection, "BackColor", static_cast<int>(d.m_BackColor)));
+    m_BackColor =
+        static_cast<uint32_t>(p.GetInt(kAdsSection, "BackColor", static_cast<int>(d.m_BackColor)));
 }
 
 void CAdsSettings::Save(CProfile& p) const {
@@ -40,9 +40,9 @@ void CAdsSettings::Save(CProfile& p) const {
 
 std::vector<uint8_t> BuildConfigureMessage(const CAdsSettings& s) {
     std::vector<uint8_t> out;
-    for (uint32_t word : {1u, 24u, static_cast<uint32_t>(s.m_Width),
-                          static_cast<uint32_t>(s.m_Height), static_cast<uint32_t>(s.m_Bpp),
-                          s.m_BackColor})
+    for (uint32_t word :
+         {1u, 24u, static_cast<uint32_t>(s.m_Width), static_cast<uint32_t>(s.m_Height),
+          static_cast<uint32_t>(s.m_Bpp), s.m_BackColor})
         putWord(out, word);
     return out;
 }

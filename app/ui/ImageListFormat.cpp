@@ -7,9 +7,9 @@
 #include <cstring>
 
 const CListColumn kListColumns[kListColumnCount] = {
-    {"Name", ColumnAlign::Left, 75},    {"Dimensions", ColumnAlign::Left, 75},
-    {"Center", ColumnAlign::Right, 60}, {"Default", ColumnAlign::Right, 60},
-    {"Packed", ColumnAlign::Left, 50},  {"Size", ColumnAlign::Right, 50},
+    {"Name", ColumnAlign::Left, 75},     {"Dimensions", ColumnAlign::Left, 75},
+    {"Center", ColumnAlign::Right, 60},  {"Default", ColumnAlign::Right, 60},
+    {"Packed", ColumnAlign::Left, 50},   {"Size", ColumnAlign::Right, 50},
     {"Comment", ColumnAlign::Left, 150},
 };
 

@@ -147,10 +147,10 @@ QVariant CImageListModel::data(const QModelIndex& index, int role) const {
         if (index.column() == 0) return VisibilityIcon(image->m_OnWorksheet != 0);
         return {};
     case Qt::TextAlignmentRole:
-        return static_cast<int>(
-            (kListColumns[index.column()].align == ColumnAlign::Right ? Qt::AlignRight
-                                                                       : Qt::AlignLeft) |
-            Qt::AlignVCenter);
+        return static_cast<int>((kListColumns[index.column()].align == ColumnAlign::Right
+                                     ? Qt::AlignRight
+                                     : Qt::AlignLeft) |
+                                Qt::AlignVCenter);
     default:
         return {};
     }
@@ -168,8 +168,7 @@ QVariant CImageListModel::headerData(int section, Qt::Orientation orientation, i
 
 Qt::ItemFlags CImageListModel::flags(const QModelIndex& index) const {
     if (!index.isValid()) return Qt::ItemIsDropEnabled;
-    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled |
-           Qt::ItemIsDropEnabled;
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
 }
 
 Qt::DropActions CImageListModel::supportedDropActions() const {
@@ -188,8 +187,7 @@ void CImageListView::SetFileDropHandler(
     fileDropHandler() = std::move(handler);
 }
 
-CImageListView::CImageListView(CTavixDoc* doc, QWidget* parent)
-    : QTableView(parent), m_Doc(doc) {
+CImageListView::CImageListView(CTavixDoc* doc, QWidget* parent) : QTableView(parent), m_Doc(doc) {
     liveDocuments().insert(doc);
     m_Caption = new TCaptionStrip("Shape List", kCaptionHeight, this);
     m_Model = new CImageListModel(doc, this);
@@ -205,7 +203,8 @@ CImageListView::CImageListView(CTavixDoc* doc, QWidget* parent)
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 4);
     horizontalHeader()->setSectionsClickable(false);
     horizontalHeader()->setHighlightSections(false);
-    for (int c = 0; c < kListColumnCount; ++c) setColumnWidth(c, kListColumns[c].width);
+    for (int c = 0; c < kListColumnCount; ++c)
+        setColumnWidth(c, kListColumns[c].width);
     horizontalHeader()->setStretchLastSection(true);
     setDragEnabled(true);
     setAcceptDrops(true);
@@ -249,7 +248,8 @@ void CImageListView::PullSelection() {
             continue;
         }
         int end = i;
-        while (end + 1 < rows && model.IsSelected(end + 1)) ++end;
+        while (end + 1 < rows && model.IsSelected(end + 1))
+            ++end;
         selection.select(m_Model->index(i, 0), m_Model->index(end, kListColumnCount - 1));
         i = end + 1;
     }
@@ -272,7 +272,8 @@ void CImageListView::ApplySelection(const std::vector<uint8_t>& rows) {
             continue;
         }
         int end = i;
-        while (end + 1 < count && rows[static_cast<size_t>(end + 1)]) ++end;
+        while (end + 1 < count && rows[static_cast<size_t>(end + 1)])
+            ++end;
         selection.select(m_Model->index(i, 0), m_Model->index(end, kListColumnCount - 1));
         i = end + 1;
     }
@@ -330,7 +331,8 @@ void CImageListView::SelectNone() {
 
 void CImageListView::InvertSelection() {
     std::vector<uint8_t> rows = SelectedRows();
-    for (uint8_t& row : rows) row = !row;
+    for (uint8_t& row : rows)
+        row = !row;
     ApplySelection(rows);
     m_Doc->UpdateAllViews(nullptr);
 }
@@ -344,7 +346,8 @@ bool CImageListView::SelectByExpression(const std::string& expression, int mode)
     std::vector<uint8_t> rows = SelectedRows();
     if (mode == CSelectWildcardDlg::NewSelection) std::fill(rows.begin(), rows.end(), 0);
     auto invert = [&rows] {
-        for (uint8_t& row : rows) row = !row;
+        for (uint8_t& row : rows)
+            row = !row;
     };
     if (mode == CSelectWildcardDlg::RemoveFromSelection) invert();
     for (int i = 0; i < count; ++i) {
@@ -627,7 +630,8 @@ void CImageListView::contextMenuEvent(QContextMenuEvent* event) {
     CMainFrame* frame = ZyQtUi() ? ZyQtUi()->GetMainFrame() : nullptr;
     if (!frame) return;
     QMenu menu("Right Click Menu", this);
-    const unsigned items[] = {EditCut, EditCopy, EditPaste, 0, ListShow, ListHide, 0, ViewProperties};
+    const unsigned items[] = {EditCut,  EditCopy, EditPaste, 0,
+                              ListShow, ListHide, 0,         ViewProperties};
     for (unsigned id : items) {
         if (!id) {
             menu.addSeparator();
@@ -650,7 +654,8 @@ void CImageListView::focusOutEvent(QFocusEvent* event) {
     QTableView::focusOutEvent(event);
 }
 
-// ---- Drag and drop ---------------------------------------------------------------------------------
+// ---- Drag and drop
+// ---------------------------------------------------------------------------------
 
 void CImageListView::startDrag(Qt::DropActions) {
     std::vector<CTavixImage*> images;
@@ -749,12 +754,14 @@ void CImageListView::DropFromOtherDocument(const std::vector<CTavixImage*>& imag
     }
     std::vector<CTavixImage*> order(m_Doc->GetImages().begin(), m_Doc->GetImages().end());
     std::vector<CTavixImage*> added;
-    for (auto& copy : copies) added.push_back(copy.release());
+    for (auto& copy : copies)
+        added.push_back(copy.release());
     order.insert(order.begin() + p, added.begin(), added.end());
     m_Doc->SetImages(static_cast<int>(order.size()), order.data(), false);
     CSelectionModel& model = m_Doc->GetSelectionModel();
     model.SelectAll(false);
-    for (int i = p; i < p + n; ++i) model.Select(i);
+    for (int i = p; i < p + n; ++i)
+        model.Select(i);
     model.SetFocus(p);
     m_Doc->UpdateAllViews(nullptr);
     scrollTo(m_Model->index(p, 0), QAbstractItemView::EnsureVisible);
@@ -786,7 +793,8 @@ void CImageListView::MoveWithinDocument(int row) {
     m_Doc->SetImages(count, order.data(), false);
     CSelectionModel& model = m_Doc->GetSelectionModel();
     model.SelectAll(false);
-    for (int i = p; i < p + static_cast<int>(moved.size()); ++i) model.Select(i);
+    for (int i = p; i < p + static_cast<int>(moved.size()); ++i)
+        model.Select(i);
     model.SetFocus(p);
     m_Doc->UpdateAllViews(nullptr);
     scrollTo(m_Model->index(p, 0), QAbstractItemView::EnsureVisible);

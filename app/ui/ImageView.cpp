@@ -139,8 +139,8 @@ void CImageView::paintEvent(QPaintEvent* event) {
     if (!bitmap.IsValid()) return;
     // The buffer's own memory, shown without a copy; its alpha means nothing
     // on screen.
-    const QImage frame(bitmap.GetBits(), bitmap.GetWidth(), bitmap.GetHeight(),
-                       bitmap.GetPitch(), QImage::Format_RGB32);
+    const QImage frame(bitmap.GetBits(), bitmap.GetWidth(), bitmap.GetHeight(), bitmap.GetPitch(),
+                       QImage::Format_RGB32);
     painter.drawImage(clip.topLeft(), frame);
 }
 
@@ -314,7 +314,8 @@ void CImageView::OnUpdate(CView*, long, CObject* hint) {
     InvalidateAll();
 }
 
-// ---- Commands ------------------------------------------------------------------------------------
+// ---- Commands
+// ------------------------------------------------------------------------------------
 
 void CImageView::SaveSetting(const char* name, int value) {
     ZyProfile().WriteInt(kImageViewSection, name, value);

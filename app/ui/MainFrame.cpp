@@ -50,7 +50,8 @@ CMainFrame::~CMainFrame() {
     m_IdleTimer.stop();
     if (m_MdiArea) {
         disconnect(m_MdiArea, nullptr, this, nullptr);
-        for (QMdiSubWindow* window : m_MdiArea->subWindowList()) delete window;
+        for (QMdiSubWindow* window : m_MdiArea->subWindowList())
+            delete window;
     }
 }
 
@@ -194,7 +195,8 @@ void CMainFrame::BuildStatusBar() {
     m_Panes[SizePane] = makePane("999KB");
     m_Panes[PositionPane] = makePane("-9999,-9999");
     m_Panes[ZoomPane] = makePane("16:1");
-    for (QLabel* pane : m_Panes) bar->addPermanentWidget(pane);
+    for (QLabel* pane : m_Panes)
+        bar->addPermanentWidget(pane);
     bar->showMessage("Ready");
 }
 
@@ -267,7 +269,8 @@ void CMainFrame::UpdateAction(QAction* action) {
 }
 
 void CMainFrame::UpdateAllActions() {
-    for (auto& [id, action] : m_Actions) UpdateAction(action);
+    for (auto& [id, action] : m_Actions)
+        UpdateAction(action);
 }
 
 void CMainFrame::UpdatePanes() {
@@ -306,17 +309,20 @@ void CMainFrame::SetRecentFiles(const QStringList& paths) {
         const bool used = static_cast<int>(i) < paths.size();
         action->setVisible(used);
         if (used)
-            action->setText(QString("&%1 %2").arg(i + 1).arg(QFileInfo(paths[static_cast<int>(i)]).fileName()));
+            action->setText(
+                QString("&%1 %2").arg(i + 1).arg(QFileInfo(paths[static_cast<int>(i)]).fileName()));
     }
 }
 
 void CMainFrame::SetInputEnabled(bool enabled) {
     menuBar()->setEnabled(enabled);
-    for (QToolBar* bar : m_Toolbars) bar->setEnabled(enabled);
+    for (QToolBar* bar : m_Toolbars)
+        bar->setEnabled(enabled);
     if (m_MdiArea) m_MdiArea->setEnabled(enabled);
 }
 
-// ---- Closing -------------------------------------------------------------------------------------
+// ---- Closing
+// -------------------------------------------------------------------------------------
 
 void CMainFrame::SaveFrameState() {
     ZyProfile().WriteString(kToolBarSection, "State", saveState().toBase64().toStdString());

@@ -8,7 +8,7 @@
 struct CMenuItem {
     enum Kind { Item, Separator, Submenu, Section, RecentFiles };
     Kind kind = Item;
-    const char* text = nullptr;     // "&Open...\tCtrl+O": after the tab, the key shown
+    const char* text = nullptr; // "&Open...\tCtrl+O": after the tab, the key shown
     unsigned id = 0;
     const char* shortcut = nullptr; // the key bound, when it differs from none
     const char* prompt = nullptr;   // "status text\ntool tip"
@@ -30,8 +30,8 @@ const std::vector<CKeyBinding>& ExtraKeyTable();
 
 // The buttons of each toolbar (0 = separator), by toolbar name.
 struct CToolbarSpec {
-    const char* name;   // object name, kept in the bar layout
-    const char* title;  // shown in the Toolbars menu
+    const char* name;  // object name, kept in the bar layout
+    const char* title; // shown in the Toolbars menu
     std::vector<unsigned> ids;
 };
 const std::vector<CToolbarSpec>& ToolbarTable();

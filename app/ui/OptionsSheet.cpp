@@ -141,7 +141,8 @@ void COptionsWorksheetPage::Load(const CProfile& p) {
     s.Load(p);
     const uint32_t colours[4] = {s.m_CheckerColor1, s.m_CheckerColor2, s.m_CheckerColor3,
                                  s.m_CheckerColor4};
-    for (int i = 0; i < 4; ++i) m_Color[i]->SetColour(colours[i]);
+    for (int i = 0; i < 4; ++i)
+        m_Color[i]->SetColour(colours[i]);
     m_CheckerSize->setValue(s.m_CheckerSize);
     m_CellSize->setNum(1 << s.m_CheckerSize);
     m_AnimateZoom->setChecked(s.m_bAnimateZoom);
@@ -165,7 +166,8 @@ void COptionsWorksheetPage::Save(CProfile& p) const {
     p.WriteInt(kImageViewSection, "m_ScreenHeight", m_ScreenHeight->value());
 }
 
-// ---- Import page ---------------------------------------------------------------------------------
+// ---- Import page
+// ---------------------------------------------------------------------------------
 
 COptionsImportPage::COptionsImportPage(QWidget* parent) : QWidget(parent) {
     auto* layout = new QVBoxLayout(this);
@@ -206,7 +208,8 @@ void COptionsImportPage::Save(CProfile& p) const {
     p.WriteInt(kImport, "m_PathToComment", m_PathToComment->isChecked());
 }
 
-// ---- Artist Download page -------------------------------------------------------------------------
+// ---- Artist Download page
+// -------------------------------------------------------------------------
 
 COptionsAdsPage::COptionsAdsPage(QWidget* parent) : QWidget(parent) {
     auto* form = new QFormLayout(this);
@@ -248,7 +251,8 @@ void COptionsAdsPage::Save(CProfile& p) const {
     s.Save(p);
 }
 
-// ---- General page ----------------------------------------------------------------------------------
+// ---- General page
+// ----------------------------------------------------------------------------------
 
 COptionsGeneralPage::COptionsGeneralPage(QWidget* parent) : QWidget(parent) {
     auto* layout = new QVBoxLayout(this);
@@ -262,8 +266,7 @@ COptionsGeneralPage::COptionsGeneralPage(QWidget* parent) : QWidget(parent) {
     m_GridSize->setRange(2, 128);
     m_GridSizeText = new QLabel;
     m_GridSizeText->setMinimumWidth(30);
-    connect(m_GridSize, &QSlider::valueChanged, m_GridSizeText,
-            qOverload<int>(&QLabel::setNum));
+    connect(m_GridSize, &QSlider::valueChanged, m_GridSizeText, qOverload<int>(&QLabel::setNum));
     sizeRow->addWidget(m_GridSize, 1);
     sizeRow->addWidget(m_GridSizeText);
     gridForm->addRow("Color:", m_GridColor);
@@ -309,7 +312,8 @@ void COptionsGeneralPage::Save(CProfile& p) const {
     p.WriteInt(kListView, "m_FrameRate", m_FrameRate->value());
 }
 
-// ---- Sheet --------------------------------------------------------------------------------------------
+// ---- Sheet
+// --------------------------------------------------------------------------------------------
 
 COptionsSheet::COptionsSheet(QWidget* parent) : QDialog(parent) {
     setWindowTitle("Preferences");

@@ -54,12 +54,20 @@ QString COutputWindow::Text() const {
     return m_Edit->toPlainText();
 }
 
+// Qt's own warnings and debug lines are the program's debug output too.
+void qtMessageHandler(QtMsgType, const QMessageLogContext&, const QString& message) {
+    fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
+    OutputText(message + '\n');
+}
+
 void InstallOutputPrintHook() {
     gsetprinthook(outputHook);
+    qInstallMessageHandler(qtMessageHandler);
 }
 
 void RemoveOutputPrintHook() {
     gsetprinthook(nullptr);
+    qInstallMessageHandler(nullptr);
 }
 
 void OutputText(const QString& text) {

@@ -15,7 +15,8 @@ QImage ToQImage(const CTavixImage& image) {
         if (image.GetPixelBytes() == 4)
             memcpy(target, row, static_cast<size_t>(width) * 4);
         else
-            for (int x = 0; x < width; ++x) target[x] = palette[row[x]];
+            for (int x = 0; x < width; ++x)
+                target[x] = palette[row[x]];
     }
     return out;
 }

@@ -24,8 +24,8 @@ std::string CTavixFileDlg::WithExtension(const std::string& path, const CTavixFi
 bool CTavixFileDlg::Run(CFileDialogData& data, QWidget* parent) {
     CTavixFileTypesList rows;
     rows.Build();
-    const TavixFileFilter filter = TavixBuildFileFilter(rows, data.m_Open, data.m_Path,
-                                                        data.m_Open ? -1 : data.m_FileType);
+    const TavixFileFilter filter =
+        TavixBuildFileFilter(rows, data.m_Open, data.m_Path, data.m_Open ? -1 : data.m_FileType);
     const QStringList filters = NameFilters(filter);
     QFileDialog dialog(parent, data.m_Open ? "Open" : "Save As");
     dialog.setAcceptMode(data.m_Open ? QFileDialog::AcceptOpen : QFileDialog::AcceptSave);

@@ -39,7 +39,8 @@ bool WriteWindowPlacement(CProfile& profile, const std::string& section,
     if (placement.showCmd == CWindowPlacement::Minimized ||
         placement.showCmd == CWindowPlacement::Maximized)
         return false;
-    for (const Field& f : kFields) profile.WriteInt(section, f.name, placement.*f.member);
+    for (const Field& f : kFields)
+        profile.WriteInt(section, f.name, placement.*f.member);
     return true;
 }
 
@@ -49,8 +50,8 @@ CWindowPlacement PlacementOf(const QWidget& window) {
         p.showCmd = CWindowPlacement::Minimized;
     else if (window.isMaximized())
         p.showCmd = CWindowPlacement::Maximized;
-    const QRect r = window.isMaximized() || window.isMinimized() ? window.normalGeometry()
-                                                                 : window.geometry();
+    const QRect r =
+        window.isMaximized() || window.isMinimized() ? window.normalGeometry() : window.geometry();
     p.left = r.left();
     p.top = r.top();
     p.right = r.left() + r.width();

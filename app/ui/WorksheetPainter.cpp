@@ -217,7 +217,8 @@ CSheetImage CSheetImage::Of(const CTavixImage& image, bool withHotSpots) {
     sheet.center = image.GetCenterPoint();
     sheet.onWorksheet = image.m_OnWorksheet != 0;
     if (withHotSpots)
-        for (int i = 0; i < image.GetHotSpotCount(); ++i) sheet.hotSpots.push_back(image.GetHotSpot(i));
+        for (int i = 0; i < image.GetHotSpotCount(); ++i)
+            sheet.hotSpots.push_back(image.GetHotSpot(i));
     return sheet;
 }
 
@@ -247,7 +248,8 @@ std::vector<int> DrawingOrder(const CSheetScene& scene, const CImageViewSettings
     const int count = static_cast<int>(scene.images.size());
     const int f = scene.focus >= 0 && scene.focus < count ? scene.focus : -1;
     auto shown = [&](int i) {
-        bool selected = i < static_cast<int>(scene.selected.size()) && scene.selected[static_cast<size_t>(i)];
+        bool selected =
+            i < static_cast<int>(scene.selected.size()) && scene.selected[static_cast<size_t>(i)];
         return selected || (settings.m_IsActiveVisible && i == f);
     };
     std::vector<int> order;
@@ -282,7 +284,8 @@ void PaintImages(CBackBuffer& buffer, const CSheetScene& scene, const CImageView
         drawImagePixels(buffer, scene, image, rect, visible, z16, d, s.m_ChannelViewMask);
         if (s.m_DrawOverlapWarning && i == scene.focus)
             drawOverlapWarning(buffer, scene, i, s.m_ViewMode, z16);
-        const bool selected = i < static_cast<int>(scene.selected.size()) && scene.selected[static_cast<size_t>(i)];
+        const bool selected =
+            i < static_cast<int>(scene.selected.size()) && scene.selected[static_cast<size_t>(i)];
         if (scene.selectionEdges && (selected || i == scene.focus))
             drawEdge(buffer, rect, i == scene.focus);
     }
@@ -300,10 +303,12 @@ void PaintGrid(CBackBuffer& buffer, const CImageViewSettings& s, double zoom, CS
     if (s.m_GridStyle == 1) {
         for (int y = 0; y < worksheet.cy; y += step)
             if (y >= all.top && y < all.bottom)
-                for (int x = all.left; x < all.right; ++x) buffer.At(x, y) = s.m_GridColor;
+                for (int x = all.left; x < all.right; ++x)
+                    buffer.At(x, y) = s.m_GridColor;
         for (int x = 0; x < worksheet.cx; x += step)
             if (x >= all.left && x < all.right)
-                for (int y = all.top; y < all.bottom; ++y) buffer.At(x, y) = s.m_GridColor;
+                for (int y = all.top; y < all.bottom; ++y)
+                    buffer.At(x, y) = s.m_GridColor;
     } else if (s.m_GridStyle == 0) {
         for (int y = step; y < worksheet.cy; y += step)
             if (y >= all.top && y < all.bottom)

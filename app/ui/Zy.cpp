@@ -67,7 +67,8 @@ bool CZy::BindCodec() {
     }
     m_Bound = true;
     m_DriverCount = TavixCount();
-    for (const char* name : kDriverNames) m_Drivers[name] = TavixFind(name);
+    for (const char* name : kDriverNames)
+        m_Drivers[name] = TavixFind(name);
     return true;
 }
 
@@ -169,7 +170,8 @@ CChildFrame* CZy::OpenDocumentFile(const QString& path) {
 }
 
 void CZy::OpenDroppedFiles(const QStringList& paths) {
-    for (const QString& path : paths) OpenDocumentFile(path);
+    for (const QString& path : paths)
+        OpenDocumentFile(path);
 }
 
 bool CZy::CloseAllDocuments() {
@@ -191,7 +193,8 @@ void CZy::AddToRecentFiles(const QString& path) {
     if (path.isEmpty()) return;
     m_RecentFiles.removeAll(path);
     m_RecentFiles.prepend(path);
-    while (m_RecentFiles.size() > kRecentFileCount) m_RecentFiles.removeLast();
+    while (m_RecentFiles.size() > kRecentFileCount)
+        m_RecentFiles.removeLast();
     SaveRecentFiles();
     if (m_MainFrame) m_MainFrame->SetRecentFiles(m_RecentFiles);
 }
@@ -210,8 +213,8 @@ int CZy::DriverIndex(const std::string& shortName) const {
 // ---- Commands ------------------------------------------------------------------------------
 
 QString CZy::DocumentationUrl() const {
-    const QString local = QDir(QCoreApplication::applicationDirPath())
-                              .absoluteFilePath("../share/doc/zy/editor.md");
+    const QString local =
+        QDir(QCoreApplication::applicationDirPath()).absoluteFilePath("../share/doc/zy/editor.md");
     const QString fallback = QFileInfo::exists(local)
                                  ? QUrl::fromLocalFile(local).toString()
                                  : QUrl::fromLocalFile(ZY_DOCS_DIR "/editor.md").toString();

@@ -38,7 +38,8 @@ struct Worksheet {
                 pixels.resize(kSide * kSide);
                 for (int p = 0; p < kSide * kSide; ++p)
                     // Alpha varies, so the blend does real work.
-                    pixels[static_cast<size_t>(p)] = static_cast<uint32_t>(p * 2654435761u) | 0x40000000u;
+                    pixels[static_cast<size_t>(p)] =
+                        static_cast<uint32_t>(p * 2654435761u) | 0x40000000u;
                 image.bits = reinterpret_cast<const uint8_t*>(pixels.data());
                 image.pitch = kSide * 4;
                 image.pixelBytes = 4;
@@ -46,7 +47,8 @@ struct Worksheet {
             } else {
                 auto& pixels = indices[static_cast<size_t>(n)];
                 pixels.resize(kSide * kSide);
-                for (int p = 0; p < kSide * kSide; ++p) pixels[static_cast<size_t>(p)] = static_cast<uint8_t>(p * 7);
+                for (int p = 0; p < kSide * kSide; ++p)
+                    pixels[static_cast<size_t>(p)] = static_cast<uint8_t>(p * 7);
                 image.bits = pixels.data();
                 image.pitch = kSide;
                 image.pixelBytes = 1;
@@ -69,9 +71,10 @@ void paintRepeatedly(benchmark::State& state, CRect area, double zoom) {
         PaintWorksheet(buffer, sheet.scene, sheet.settings, zoom, {kColumns * kSide, 2048});
         benchmark::DoNotOptimize(buffer.Bitmap().GetBits());
     }
-    state.counters["Mpixel/s"] = benchmark::Counter(
-        static_cast<double>(area.Width()) * area.Height() * static_cast<double>(state.iterations()) / 1e6,
-        benchmark::Counter::kIsRate);
+    state.counters["Mpixel/s"] =
+        benchmark::Counter(static_cast<double>(area.Width()) * area.Height() *
+                               static_cast<double>(state.iterations()) / 1e6,
+                           benchmark::Counter::kIsRate);
 }
 
 void BM_WindowRepaint(benchmark::State& state) {

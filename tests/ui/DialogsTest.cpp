@@ -73,7 +73,8 @@ TEST(ExceptionDialog, ShowsTheThreeHeadingsAndTexts) {
     CExceptionDlg dialog(texts);
     EXPECT_EQ(dialog.windowTitle(), "Zy Program Error");
     QStringList headings;
-    for (QLabel* label : dialog.findChildren<QLabel*>()) headings << label->text();
+    for (QLabel* label : dialog.findChildren<QLabel*>())
+        headings << label->text();
     EXPECT_TRUE(headings.contains("What:"));
     EXPECT_TRUE(headings.contains("Scope:"));
     EXPECT_TRUE(headings.contains("Action:"));
@@ -81,7 +82,7 @@ TEST(ExceptionDialog, ShowsTheThreeHeadingsAndTexts) {
               "The command you are performing, \"Flip\", is causing an unidentified program "
               "error.  No data has been lost but the command has not been performed");
     EXPECT_EQ(dialog.ScopeText().toStdString(), "The problem is the a result of a programming "
-                                                 "error and may cause additional problems.");
+                                                "error and may cause additional problems.");
     EXPECT_TRUE(dialog.ActionText().startsWith("Save your work and try the operation again.in .  "
                                                "Send an e-mail to "));
 }
@@ -121,10 +122,12 @@ TEST(Preferences, AFirstStartShowsTheDefaults) {
     TempProfile profile;
     COptionsSheet sheet;
     QStringList tabs;
-    for (int i = 0; i < sheet.Tabs()->count(); ++i) tabs << sheet.Tabs()->tabText(i);
+    for (int i = 0; i < sheet.Tabs()->count(); ++i)
+        tabs << sheet.Tabs()->tabText(i);
     EXPECT_EQ(tabs, QStringList({"Worksheet", "Import", "Artist Download", "General"}));
     const uint32_t colours[4] = {0xFFFFFFFF, 0xFFB0B0B0, 0xFF989898, 0xFF909090};
-    for (int i = 0; i < 4; ++i) EXPECT_EQ(sheet.m_Worksheet->m_Color[i]->Colour(), colours[i]);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(sheet.m_Worksheet->m_Color[i]->Colour(), colours[i]);
     EXPECT_EQ(sheet.m_Worksheet->m_CheckerSize->value(), 4);
     EXPECT_EQ(sheet.m_Worksheet->m_CellSize->text(), "16");
     EXPECT_TRUE(sheet.m_Worksheet->m_AnimateZoom->isChecked());
@@ -148,10 +151,11 @@ TEST(Preferences, PresetsFillTheScreenSize) {
     TempProfile profile;
     COptionsSheet sheet;
     QComboBox* presets = sheet.m_Worksheet->m_Presets;
-    const QStringList expected = {"choose a pre-set", "512x240", "512x256", "640x480", "1024x512",
-                                  "1024x768"};
+    const QStringList expected = {"choose a pre-set", "512x240",  "512x256",
+                                  "640x480",          "1024x512", "1024x768"};
     ASSERT_EQ(presets->count(), expected.size());
-    for (int i = 0; i < presets->count(); ++i) EXPECT_EQ(presets->itemText(i), expected[i]);
+    for (int i = 0; i < presets->count(); ++i)
+        EXPECT_EQ(presets->itemText(i), expected[i]);
     presets->setCurrentIndex(4);
     emit presets->activated(4);
     EXPECT_EQ(sheet.m_Worksheet->m_ScreenWidth->value(), 1024);
@@ -169,19 +173,31 @@ TEST(Preferences, OkWritesEveryValueAndConfiguresTheCard) {
     sheet.Apply(nullptr);
 
     const std::pair<const char*, const char*> keys[] = {
-        {"CImageView", "m_CheckerColor1"}, {"CImageView", "m_CheckerColor4"},
-        {"CImageView", "m_CheckerSize"},   {"CImageView", "m_bAnimateZoom"},
-        {"CImageView", "m_bLightIsSpotlight"}, {"CImageView", "m_ScreenX"},
-        {"CImageView", "m_ScreenHeight"},  {"CImportCmd", "m_NameHandling"},
-        {"CImportCmd", "m_NameFormat"},    {"CImportCmd", "m_PathToComment"},
-        {"ADS", "Width"},                  {"ADS", "Height"},
-        {"ADS", "Bpp"},                    {"ADS", "BackColor"},
-        {"ADS", "IP"},                     {"ADS", "Port"},
-        {"CImageView", "m_GridColor"},     {"CImageView", "m_GridStyle"},
-        {"CImageView", "m_GridSize"},      {"CImageView", "m_CenterPointColor"},
-        {"CImageView", "m_HotPointColor"}, {"CImageListView", "m_FrameRate"},
+        {"CImageView", "m_CheckerColor1"},
+        {"CImageView", "m_CheckerColor4"},
+        {"CImageView", "m_CheckerSize"},
+        {"CImageView", "m_bAnimateZoom"},
+        {"CImageView", "m_bLightIsSpotlight"},
+        {"CImageView", "m_ScreenX"},
+        {"CImageView", "m_ScreenHeight"},
+        {"CImportCmd", "m_NameHandling"},
+        {"CImportCmd", "m_NameFormat"},
+        {"CImportCmd", "m_PathToComment"},
+        {"ADS", "Width"},
+        {"ADS", "Height"},
+        {"ADS", "Bpp"},
+        {"ADS", "BackColor"},
+        {"ADS", "IP"},
+        {"ADS", "Port"},
+        {"CImageView", "m_GridColor"},
+        {"CImageView", "m_GridStyle"},
+        {"CImageView", "m_GridSize"},
+        {"CImageView", "m_CenterPointColor"},
+        {"CImageView", "m_HotPointColor"},
+        {"CImageListView", "m_FrameRate"},
     };
-    for (auto [section, entry] : keys) EXPECT_TRUE(profile.Has(section, entry)) << entry;
+    for (auto [section, entry] : keys)
+        EXPECT_TRUE(profile.Has(section, entry)) << entry;
     EXPECT_EQ(profile.Profile().GetInt("CImageView", "m_CheckerSize", 0), 6);
     EXPECT_EQ(static_cast<uint32_t>(profile.Profile().GetInt("CImageView", "m_CheckerColor2", 0)),
               0xFFB0B0B0u);
@@ -198,7 +214,7 @@ TEST(DisplayCard, ConfigureMessageWithNoSettingsByteForByte) {
     settings.Load(profile.Profile());
     EXPECT_EQ(settings.m_IP, "localhost");
     EXPECT_EQ(settings.m_Port, 7777);
-    const std::vector<uint8_t> expected = {0, 0, 0, 1,   0, 0, 0, 24,  0,    0, 2, 0,
+    const std::vector<uint8_t> expected = {0, 0, 0, 1,   0, 0, 0, 24, 0,    0, 2, 0,
                                            0, 0, 0, 240, 0, 0, 0, 16, 0xFF, 0, 0, 0};
     EXPECT_EQ(BuildConfigureMessage(settings), expected);
     ASSERT_TRUE(SendToDisplayCard("127.0.0.1", card.Port(), BuildConfigureMessage(settings)));

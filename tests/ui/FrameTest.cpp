@@ -37,7 +37,8 @@ namespace {
 std::unique_ptr<CTavixImage> halves(const std::string& name) {
     auto image = MakeImage(8, 4, 32, name, 0xFFFF0000);
     for (int y = 0; y < 4; ++y)
-        for (int x = 4; x < 8; ++x) reinterpret_cast<uint32_t*>(image->GetRow(y))[x] = 0xFF0000FF;
+        for (int x = 4; x < 8; ++x)
+            reinterpret_cast<uint32_t*>(image->GetRow(y))[x] = 0xFF0000FF;
     return image;
 }
 
@@ -83,9 +84,10 @@ TEST_F(FrameTest, StartsWithANewDocumentMenusBarsAndPanes) {
     ASSERT_EQ(Frame()->Children().size(), 1);
     EXPECT_EQ(Child()->Title(), "Zy1");
     QStringList menus;
-    for (QAction* action : Frame()->menuBar()->actions()) menus << action->text().remove('&');
-    EXPECT_EQ(menus, QStringList({"File", "Edit", "View", "List", "Image", "Tools", "Window",
-                                  "Help"}));
+    for (QAction* action : Frame()->menuBar()->actions())
+        menus << action->text().remove('&');
+    EXPECT_EQ(menus,
+              QStringList({"File", "Edit", "View", "List", "Image", "Tools", "Window", "Help"}));
     for (const char* bar : {"StandardBar", "WorksheetBar", "AnimationBar", "ChannelBar"})
         EXPECT_NE(Frame()->Toolbar(bar), nullptr) << bar;
     Frame()->UpdatePanes();
@@ -117,15 +119,16 @@ TEST_F(FrameTest, MenuItemsFollowTheRulesInAnEmptyDocument) {
         unsigned id;
         bool enabled;
     } cases[] = {
-        {FileNew, true},         {FileOpen, true},       {FileSave, true},
-        {FileSaveAs, true},      {FilePreferences, true}, {HelpAbout, true},
-        {WindowTile, true},      {WindowNext, true},     {ViewGrid, true},
-        {ViewZoomIn, false},     {Undo, false},          {FlipHorizontal, false},
-        {Rotate90CW, false},     {MergeSelected, false}, {Rgb4444, false},
-        {EditCut, false},        {EditPaste, false},     {NextImage, false},
-        {EditSelectAll, false},  {PlayForward, false},   {FileMru1, false},
+        {FileNew, true},        {FileOpen, true},        {FileSave, true},
+        {FileSaveAs, true},     {FilePreferences, true}, {HelpAbout, true},
+        {WindowTile, true},     {WindowNext, true},      {ViewGrid, true},
+        {ViewZoomIn, false},    {Undo, false},           {FlipHorizontal, false},
+        {Rotate90CW, false},    {MergeSelected, false},  {Rgb4444, false},
+        {EditCut, false},       {EditPaste, false},      {NextImage, false},
+        {EditSelectAll, false}, {PlayForward, false},    {FileMru1, false},
     };
-    for (const Case& c : cases) EXPECT_EQ(Item(c.id)->isEnabled(), c.enabled) << c.id;
+    for (const Case& c : cases)
+        EXPECT_EQ(Item(c.id)->isEnabled(), c.enabled) << c.id;
     EXPECT_EQ(Item(Undo)->text().toStdString(), "Can't Undo\tCtrl+Z");
     EXPECT_FALSE(Item(ViewGrid)->isChecked());
     EXPECT_TRUE(Item(ViewAlpha)->isChecked());
@@ -241,9 +244,9 @@ TEST(WindowPlacementStore, MinimisedAndMaximisedAreNotWritten) {
         const std::string section = "W" + std::to_string(c.showCmd);
         EXPECT_EQ(WriteWindowPlacement(profile.Profile(), section, placement), c.written);
         EXPECT_EQ(profile.Has(section, "wp.left"), c.written);
-        for (const char* key : {"wp.showCmd", "wp.flags", "wp.ptMinPosition.x", "wp.ptMinPosition.y",
-                                "wp.ptMaxPosition.x", "wp.ptMaxPosition.y", "wp.right", "wp.top",
-                                "wp.bottom"})
+        for (const char* key :
+             {"wp.showCmd", "wp.flags", "wp.ptMinPosition.x", "wp.ptMinPosition.y",
+              "wp.ptMaxPosition.x", "wp.ptMaxPosition.y", "wp.right", "wp.top", "wp.bottom"})
             EXPECT_EQ(profile.Has(section, key), c.written) << key;
     }
     // Reading takes the current values where nothing is stored.
@@ -258,8 +261,11 @@ TEST(WindowPlacementStore, MinimisedAndMaximisedAreNotWritten) {
 
 TEST_F(FrameTest, ClosingKeepsPlacementAndBarLayoutButNotAMaximisedOne) {
     CQtProfile& p = m_Profile.Profile();
-    for (auto [key, value] : {std::pair{"wp.showCmd", 1}, {"wp.left", 30}, {"wp.top", 40},
-                              {"wp.right", 830}, {"wp.bottom", 640}})
+    for (auto [key, value] : {std::pair{"wp.showCmd", 1},
+                              {"wp.left", 30},
+                              {"wp.top", 40},
+                              {"wp.right", 830},
+                              {"wp.bottom", 640}})
         p.WriteInt("Main Window", key, value);
     ASSERT_TRUE(Start());
     EXPECT_EQ(Frame()->geometry(), QRect(30, 40, 800, 600));

@@ -34,9 +34,7 @@ class ImageViewTest : public ::testing::Test {
         m_Doc->SetFocus(0, false);
         m_View = std::make_unique<CImageView>(m_Doc.get());
     }
-    uint32_t Pixel(int x, int y) {
-        return m_View->RenderArea(QRect(x, y, 1, 1)).pixel(0, 0);
-    }
+    uint32_t Pixel(int x, int y) { return m_View->RenderArea(QRect(x, y, 1, 1)).pixel(0, 0); }
     CUiCmdUI Update(unsigned id) {
         CUiCmdUI ui(id);
         EXPECT_TRUE(m_View->OnUpdateCmdUI(ui)) << id;
@@ -54,7 +52,8 @@ TEST(ZoomPane, ShowsTheRatio) {
         double zoom;
         const char* text;
     } cases[] = {{1.0, "1:1"}, {0.5, "1:2"}, {4.0, "4:1"}, {1.0 / 16, "1:16"}, {16.0, "16:1"}};
-    for (const Case& c : cases) EXPECT_EQ(ZoomPaneText(c.zoom), c.text) << c.zoom;
+    for (const Case& c : cases)
+        EXPECT_EQ(ZoomPaneText(c.zoom), c.text) << c.zoom;
 }
 
 TEST_F(ImageViewTest, ZoomStaysWithinASixteenthAndSixteen) {
@@ -186,9 +185,11 @@ TEST_F(ImageViewTest, GridAndCheckerSizeCommandsKeepTheirBoundsAndSaveAtOnce) {
     }
     EXPECT_FALSE(Update(GridSmaller).m_bEnabled);
 
-    for (int i = 0; i < 6; ++i) m_View->OnCmdMsg(CheckerLarger);
+    for (int i = 0; i < 6; ++i)
+        m_View->OnCmdMsg(CheckerLarger);
     EXPECT_EQ(m_View->Settings().m_CheckerSize, 8);
-    for (int i = 0; i < 10; ++i) m_View->OnCmdMsg(CheckerSmaller);
+    for (int i = 0; i < 10; ++i)
+        m_View->OnCmdMsg(CheckerSmaller);
     EXPECT_EQ(m_View->Settings().m_CheckerSize, 1);
     EXPECT_EQ(m_Profile.Profile().GetInt("CImageView", "m_CheckerSize", 0), 1);
 }

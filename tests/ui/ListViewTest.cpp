@@ -23,7 +23,8 @@ namespace {
 class RecordingView : public CView {
   public:
     void OnUpdate(CView*, long, CObject* hint) override {
-        if (auto* modified = dynamic_cast<CModifiedHint*>(hint)) ranges.push_back(modified->m_Range);
+        if (auto* modified = dynamic_cast<CModifiedHint*>(hint))
+            ranges.push_back(modified->m_Range);
         ++updates;
     }
     std::vector<CRange> ranges;
@@ -39,7 +40,8 @@ std::vector<int> selectedRows(CTavixDoc& doc) {
 
 std::vector<std::string> names(const CTavixDoc& doc) {
     std::vector<std::string> out;
-    for (const CTavixImage* image : doc.GetImages()) out.push_back(image->GetName());
+    for (const CTavixImage* image : doc.GetImages())
+        out.push_back(image->GetName());
     return out;
 }
 
@@ -52,7 +54,8 @@ class ListViewTest : public ::testing::Test {
     }
     void Select(const std::vector<int>& rows) {
         CRange range(m_Doc->GetImageCount());
-        for (int row : rows) range.SetAt(row, 1);
+        for (int row : rows)
+            range.SetAt(row, 1);
         m_View->SetSelection(range);
     }
     bool Enabled(unsigned id) {
@@ -82,10 +85,12 @@ TEST(ListTexts, CellsOfEachColumn) {
         int row, column;
         const char* text;
     } cases[] = {
-        {small.get(), 0, 0, "image 1"}, {small.get(), 6, 0, "image 7"}, {named.get(), 0, 0, "ship"},
-        {small.get(), 0, 1, "3x2x4"},   {named.get(), 0, 1, "64x32x8"}, {named.get(), 0, 2, "5,-3"},
-        {small.get(), 0, 2, "0,0"},     {named.get(), 0, 3, "16,24"},   {named.get(), 0, 4, "yes"},
-        {small.get(), 0, 4, "no"},      {small.get(), 0, 5, "2"},       {named.get(), 0, 5, "2048"},
+        {small.get(), 0, 0, "image 1"},   {small.get(), 6, 0, "image 7"},
+        {named.get(), 0, 0, "ship"},      {small.get(), 0, 1, "3x2x4"},
+        {named.get(), 0, 1, "64x32x8"},   {named.get(), 0, 2, "5,-3"},
+        {small.get(), 0, 2, "0,0"},       {named.get(), 0, 3, "16,24"},
+        {named.get(), 0, 4, "yes"},       {small.get(), 0, 4, "no"},
+        {small.get(), 0, 5, "2"},         {named.get(), 0, 5, "2048"},
         {named.get(), 0, 6, "a comment"}, {small.get(), 0, 6, ""},
     };
     for (const Case& c : cases)
@@ -98,10 +103,10 @@ TEST(ListTexts, IndexAndSizePanes) {
     struct Size {
         int64_t bytes;
         const char* text;
-    } sizes[] = {{0, "0KB"},         {900, ">1KB"},        {1023, ">1KB"},
-                 {1024, "1KB"},      {1025, "2KB"},        {1048575, "1024KB"},
-                 {1048576, "1.0MB"}, {1572864, "1.5MB"}};
-    for (const Size& s : sizes) EXPECT_EQ(SizePaneText(s.bytes), s.text) << s.bytes;
+    } sizes[] = {{0, "0KB"},    {900, ">1KB"},       {1023, ">1KB"},     {1024, "1KB"},
+                 {1025, "2KB"}, {1048575, "1024KB"}, {1048576, "1.0MB"}, {1572864, "1.5MB"}};
+    for (const Size& s : sizes)
+        EXPECT_EQ(SizePaneText(s.bytes), s.text) << s.bytes;
     EXPECT_EQ(IndexPaneText(0, 0), "0/0");
     EXPECT_EQ(IndexPaneText(0, 3), "1/3 (index 0)");
     EXPECT_EQ(IndexPaneText(2, 3), "3/3 (index 2)");
@@ -187,12 +192,8 @@ TEST_F(ListViewTest, SelectByExpressionInEachMode) {
         int mode;
         std::vector<int> before, after;
     } cases[] = {
-        {"1..2", 0, {0}, {1, 2}},
-        {"0", 1, {2}, {0, 2}},
-        {"1", 2, {0, 1, 2}, {0, 2}},
-        {"!2", 0, {}, {0, 1, 3}},
-        {"img3", 0, {}, {3}},
-        {"", 0, {1}, {0, 1, 2, 3}},
+        {"1..2", 0, {0}, {1, 2}}, {"0", 1, {2}, {0, 2}}, {"1", 2, {0, 1, 2}, {0, 2}},
+        {"!2", 0, {}, {0, 1, 3}}, {"img3", 0, {}, {3}},  {"", 0, {1}, {0, 1, 2, 3}},
     };
     Open(4);
     for (const Case& c : cases) {
@@ -286,7 +287,8 @@ TEST_F(ListViewTest, MovingWithinTheDocument) {
         Open(4);
         Select(c.selected);
         std::vector<CTavixImage*> dragged;
-        for (int row : c.selected) dragged.push_back(m_Doc->GetImageAt(row));
+        for (int row : c.selected)
+            dragged.push_back(m_Doc->GetImageAt(row));
         m_View->DropImagePointers(dragged, m_Doc.get(), c.target);
         EXPECT_EQ(names(*m_Doc), c.order) << c.what;
         EXPECT_EQ(m_View->GetFocusIndex(), c.focus) << c.what;

@@ -33,8 +33,10 @@ struct TestImage {
     static TestImage Indexed(int w, int h, int bpp, CPoint at) {
         TestImage t;
         t.indices.resize(static_cast<size_t>(w * h));
-        for (int i = 0; i < w * h; ++i) t.indices[static_cast<size_t>(i)] = static_cast<uint8_t>(i % w);
-        for (int i = 0; i < 256; ++i) t.palette[static_cast<size_t>(i)] = 0xFF000000u | static_cast<uint32_t>(i) << 16;
+        for (int i = 0; i < w * h; ++i)
+            t.indices[static_cast<size_t>(i)] = static_cast<uint8_t>(i % w);
+        for (int i = 0; i < 256; ++i)
+            t.palette[static_cast<size_t>(i)] = 0xFF000000u | static_cast<uint32_t>(i) << 16;
         t.sheet.bits = t.indices.data();
         t.sheet.pitch = w;
         t.sheet.width = w;
@@ -57,7 +59,8 @@ struct TestImage {
 CSheetScene sceneOf(const std::vector<const TestImage*>& images, std::vector<uint8_t> selected,
                     int focus) {
     CSheetScene scene;
-    for (const TestImage* image : images) scene.images.push_back(image->Sheet());
+    for (const TestImage* image : images)
+        scene.images.push_back(image->Sheet());
     scene.selected = std::move(selected);
     scene.focus = focus;
     return scene;
@@ -78,9 +81,8 @@ TEST(CheckerExponent, FollowsTheZoomWithinOneToEight) {
         double zoom;
         int expected;
     } cases[] = {
-        {4, 1.0, 4},  {4, 0.5, 3},       {4, 0.25, 2}, {4, 0.125, 1}, {4, 1.0 / 16, 1},
-        {4, 2.0, 5},  {4, 4.0, 6},       {4, 8.0, 7},  {4, 16.0, 7},  {1, 0.125, 1},
-        {8, 16.0, 8}, {2, 1.0 / 16, 1},
+        {4, 1.0, 4}, {4, 0.5, 3}, {4, 0.25, 2}, {4, 0.125, 1}, {4, 1.0 / 16, 1}, {4, 2.0, 5},
+        {4, 4.0, 6}, {4, 8.0, 7}, {4, 16.0, 7}, {1, 0.125, 1}, {8, 16.0, 8},     {2, 1.0 / 16, 1},
     };
     for (const Case& c : cases)
         EXPECT_EQ(CheckerExponent(c.size, c.zoom), c.expected) << c.size << " at " << c.zoom;
@@ -92,9 +94,9 @@ TEST(Background, CheckerCellsInsideAndOutsideTheScreenArea) {
         int x, y;
         uint32_t colour;
     } cases[] = {
-        {0, 0, s.m_CheckerColor2},   {15, 15, s.m_CheckerColor2}, {16, 0, s.m_CheckerColor1},
-        {0, 16, s.m_CheckerColor1},  {16, 16, s.m_CheckerColor2}, {639, 0, s.m_CheckerColor1},
-        {640, 0, s.m_CheckerColor4}, {656, 0, s.m_CheckerColor3}, {0, 480, s.m_CheckerColor4},
+        {0, 0, s.m_CheckerColor2},    {15, 15, s.m_CheckerColor2}, {16, 0, s.m_CheckerColor1},
+        {0, 16, s.m_CheckerColor1},   {16, 16, s.m_CheckerColor2}, {639, 0, s.m_CheckerColor1},
+        {640, 0, s.m_CheckerColor4},  {656, 0, s.m_CheckerColor3}, {0, 480, s.m_CheckerColor4},
         {16, 480, s.m_CheckerColor3},
     };
     auto buffer = paint({0, 0, 700, 500}, {}, s, 1.0);
@@ -128,9 +130,9 @@ TEST(Background, PsxVramBoardHalvesEachColumnAndRowAndGreysTheRest) {
         int x, y;
         uint32_t colour;
     } cases[] = {
-        {0, 0, s.m_CheckerColor2},    {63, 0, s.m_CheckerColor2},   {64, 0, s.m_CheckerColor1},
-        {128, 0, s.m_CheckerColor2},  {0, 256, s.m_CheckerColor2},  {0, 257, s.m_CheckerColor1},
-        {64, 300, s.m_CheckerColor2}, {700, 0, s.m_CheckerColor4},  {700, 300, s.m_CheckerColor3},
+        {0, 0, s.m_CheckerColor2},    {63, 0, s.m_CheckerColor2},    {64, 0, s.m_CheckerColor1},
+        {128, 0, s.m_CheckerColor2},  {0, 256, s.m_CheckerColor2},   {0, 257, s.m_CheckerColor1},
+        {64, 300, s.m_CheckerColor2}, {700, 0, s.m_CheckerColor4},   {700, 300, s.m_CheckerColor3},
         {1023, 0, s.m_CheckerColor3}, {1024, 0, kVramOutsideColour}, {0, 512, kVramOutsideColour},
     };
     auto buffer = paint({0, 0, 1100, 600}, {}, s, 1.0);
@@ -195,8 +197,9 @@ TEST(ImageRect, VramUnitsDependOnTheDepth) {
         double zoom;
         CRect rect;
     } cases[] = {
-        {8, 1, 1.0, {10, 20, 42, 28}},  {4, 1, 1.0, {10, 20, 26, 28}}, {16, 1, 1.0, {10, 20, 74, 28}},
-        {32, 1, 1.0, {10, 20, 74, 28}}, {8, 0, 1.0, {10, 20, 74, 28}}, {8, 1, 2.0, {20, 40, 84, 56}},
+        {8, 1, 1.0, {10, 20, 42, 28}},  {4, 1, 1.0, {10, 20, 26, 28}},
+        {16, 1, 1.0, {10, 20, 74, 28}}, {32, 1, 1.0, {10, 20, 74, 28}},
+        {8, 0, 1.0, {10, 20, 74, 28}},  {8, 1, 2.0, {20, 40, 84, 56}},
         {32, 0, 0.5, {5, 10, 37, 14}},
     };
     for (const Case& c : cases) {
@@ -216,9 +219,9 @@ TEST(Images, NearestNeighbourSamplingAtEachZoom) {
         int x, y;
         int column; // expected source column, -1 for background
     } cases[] = {
-        {1.0, 4, 4, 0},   {1.0, 11, 5, 7}, {1.0, 12, 4, -1}, {2.0, 8, 8, 0},   {2.0, 9, 9, 0},
-        {2.0, 10, 8, 1},  {2.0, 23, 11, 7}, {4.0, 16, 16, 0}, {4.0, 20, 16, 1}, {4.0, 47, 23, 7},
-        {0.5, 2, 2, 0},   {0.5, 3, 2, 2},   {0.5, 5, 2, 6},
+        {1.0, 4, 4, 0},  {1.0, 11, 5, 7},  {1.0, 12, 4, -1}, {2.0, 8, 8, 0},   {2.0, 9, 9, 0},
+        {2.0, 10, 8, 1}, {2.0, 23, 11, 7}, {4.0, 16, 16, 0}, {4.0, 20, 16, 1}, {4.0, 47, 23, 7},
+        {0.5, 2, 2, 0},  {0.5, 3, 2, 2},   {0.5, 5, 2, 6},
     };
     for (const Case& c : cases) {
         auto buffer = paint({0, 0, 64, 64}, sceneOf({&image}, {1}, 0), s, c.zoom);
@@ -301,18 +304,25 @@ TEST(Grid, LinesAndDotsAtTheZoomedStep) {
         int x, y;
         bool grid;
     } lineCases[] = {
-        {5, 0, true},   {5, 20, true},  {5, 40, true},  {20, 5, true}, {40, 77, true},
-        {10, 5, false}, {5, 10, false}, {21, 21, false},
+        {5, 0, true},
+        {5, 20, true},
+        {5, 40, true},
+        {20, 5, true},
+        {40, 77, true},
+        {10, 5, false},
+        {5, 10, false},
+        {21, 21, false},
         // The lines run over the worksheet's size in worksheet pixels only.
-        {150, 20, false}, {20, 150, false},
+        {150, 20, false},
+        {20, 150, false},
     };
     for (const Case& c : lineCases)
         EXPECT_EQ(lines->At(c.x, c.y) == s.m_GridColor, c.grid) << "lines " << c.x << "," << c.y;
 
     s.m_GridStyle = 0;
     auto dots = paint({0, 0, 300, 300}, {}, s, 2.0, {100, 100});
-    const Case dotCases[] = {{20, 20, true},  {40, 60, true},  {0, 0, false},
-                             {20, 0, false},  {20, 21, false}, {21, 20, false}};
+    const Case dotCases[] = {{20, 20, true}, {40, 60, true},  {0, 0, false},
+                             {20, 0, false}, {20, 21, false}, {21, 20, false}};
     for (const Case& c : dotCases)
         EXPECT_EQ(dots->At(c.x, c.y) == s.m_GridColor, c.grid) << "dots " << c.x << "," << c.y;
 
@@ -357,7 +367,8 @@ TEST(BackBuffer, ReusedAtTheSameSizeAndConfinedToItsArea) {
     auto whole = paint({0, 0, 64, 64}, scene, s, 2.0);
     auto part = paint({21, 13, 50, 40}, scene, s, 2.0);
     for (int y = 13; y < 40; ++y)
-        for (int x = 21; x < 50; ++x) ASSERT_EQ(part->At(x, y), whole->At(x, y)) << x << "," << y;
+        for (int x = 21; x < 50; ++x)
+            ASSERT_EQ(part->At(x, y), whole->At(x, y)) << x << "," << y;
 }
 
 } // namespace

@@ -106,9 +106,11 @@ std::string WriteFile(const QString& folder, const std::string& name, const std:
     EnsureApplication();
     if (!TavixIsBound()) TavixBind();
     std::vector<TavixFrame> frames;
-    for (const CTavixImage* image : images) frames.push_back(image->ToFrame());
+    for (const CTavixImage* image : images)
+        frames.push_back(image->ToFrame());
     std::vector<const TavixFrame*> pointers;
-    for (const TavixFrame& frame : frames) pointers.push_back(&frame);
+    for (const TavixFrame& frame : frames)
+        pointers.push_back(&frame);
     const std::string path = QDir(folder).filePath(QString::fromStdString(name)).toStdString();
     std::string error;
     if (!TavixWriteFile(path, TavixFind(driver.c_str()), pointers, error))
