@@ -26,9 +26,9 @@ CChildFrame::CChildFrame(std::unique_ptr<CTavixDoc> doc, QWidget* parent)
     m_Splitter = new QSplitter(Qt::Horizontal);
     m_Splitter->addWidget(WrapWithCaption(m_ListView->Caption(), m_ListView));
     m_Splitter->addWidget(WrapWithCaption(m_ImageView->Caption(), m_ImageView));
-    m_Splitter->setStretchFactor(0, 0);
-    m_Splitter->setStretchFactor(1, 1);
-    m_Splitter->setSizes({360, 520});
+    m_Splitter->setStretchFactor(0, 2);
+    m_Splitter->setStretchFactor(1, 3);
+    m_Splitter->setSizes({360, 540});
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_Splitter);

@@ -18,6 +18,8 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QStatusBar>
 #include <QToolBar>
 
@@ -72,7 +74,11 @@ bool CMainFrame::Create() {
     BuildStatusBar();
     setDockOptions(QMainWindow::AnimatedDocks | QMainWindow::AllowTabbedDocks);
 
-    resize(1200, 800);
+    // A first start fills most of the screen.
+    if (const QScreen* screen = QGuiApplication::primaryScreen())
+        resize(screen->availableGeometry().size() * 0.95);
+    else
+        resize(1200, 800);
     ApplyPlacement(*this, ReadWindowPlacement(ZyProfile(), kMainWindowSection, PlacementOf(*this)));
     const std::string state = ZyProfile().GetString(kToolBarSection, "State", "");
     if (!state.empty()) restoreState(QByteArray::fromBase64(QByteArray::fromStdString(state)));

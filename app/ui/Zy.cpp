@@ -113,6 +113,8 @@ bool CZy::InitInstance(const QStringList& files, CProfile* profile) {
         if (!opened) return false;
     }
     m_MainFrame->show();
+    // The documents of the command line side by side, filling the frame.
+    m_MainFrame->MdiArea()->tileSubWindows();
     m_MainFrame->UpdateAllActions();
     return true;
 }
