@@ -15,6 +15,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QThread>
+#include <QTimer>
 #include <QWheelEvent>
 
 #include <cmath>
@@ -270,6 +271,15 @@ void CImageView::leaveEvent(QEvent* event) {
 void CImageView::mousePressEvent(QMouseEvent* event) {
     setFocus(Qt::MouseFocusReason);
     QAbstractScrollArea::mousePressEvent(event);
+}
+
+void CImageView::showEvent(QShowEvent* event) {
+    QAbstractScrollArea::showEvent(event);
+    if (m_Shown) return;
+    m_Shown = true;
+    // A new view applies its zoom once more when it first appears, so that
+    // the zoom animation plays where it can be seen.
+    QTimer::singleShot(0, this, [this] { SetZoom(m_Zoom); });
 }
 
 void CImageView::focusInEvent(QFocusEvent* event) {

@@ -81,6 +81,7 @@ class CImageView : public QAbstractScrollArea, public CView, public CCommandTarg
     void leaveEvent(QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
   private:
     CSheetScene BuildScene() const;
@@ -107,6 +108,7 @@ class CImageView : public QAbstractScrollArea, public CView, public CCommandTarg
     QPixmap m_AnimationFrame;
     QRect m_AnimationRect;
     int m_AnimationCount = 0;
+    bool m_Shown = false;
     QPoint m_Mouse{-1, -1};
     QRegion m_LastInvalidated;
 };

@@ -47,6 +47,8 @@ class FrameTest : public ::testing::Test {
     void SetUp() override {
         m_Script.Attach(*m_Zy->Ui());
         EnsureApplication();
+        // No zoom animation: it waits 300 ms each time a view appears.
+        m_Profile.Profile().WriteInt("CImageView", "m_bAnimateZoom", 0);
     }
     void TearDown() override {
         m_Zy.reset();

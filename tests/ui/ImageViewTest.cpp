@@ -86,15 +86,18 @@ TEST_F(ImageViewTest, ZoomDoesNothingWithoutImagesAndAnimatesWhenAsked) {
     m_View->ZoomIn();
     EXPECT_EQ(m_View->GetZoom(), 1.0);
 
+    // A view plays the animation when it first appears, and again for a
+    // zoom set to its current value.
+    m_Profile.Profile().WriteInt("CImageView", "m_bAnimateZoom", 1);
     m_View->resize(200, 150);
     m_View->show();
     QApplication::processEvents();
-    m_Profile.Profile().WriteInt("CImageView", "m_bAnimateZoom", 1);
-    EXPECT_TRUE(m_View->SetZoom(1.0));
     EXPECT_EQ(m_View->ZoomAnimationCount(), 1);
+    EXPECT_TRUE(m_View->SetZoom(1.0));
+    EXPECT_EQ(m_View->ZoomAnimationCount(), 2);
     m_Profile.Profile().WriteInt("CImageView", "m_bAnimateZoom", 0);
     EXPECT_TRUE(m_View->SetZoom(1.0));
-    EXPECT_EQ(m_View->ZoomAnimationCount(), 1);
+    EXPECT_EQ(m_View->ZoomAnimationCount(), 2);
 }
 
 TEST_F(ImageViewTest, PaintsTheFocusedImageOverTheCheckerboard) {
@@ -238,6 +241,7 @@ TEST_F(ImageViewTest, RestoresTheZoomOnlyWhenAskedAndWithinBounds) {
 }
 
 TEST_F(ImageViewTest, ModifiedHintRepaintsOnlyThatImage) {
+    m_Profile.Profile().WriteInt("CImageView", "m_bAnimateZoom", 0);
     Open();
     m_View->resize(300, 200);
     m_View->show();
