@@ -171,11 +171,11 @@ void CMainFrame::BuildExtraActions() {
 }
 
 void CMainFrame::BuildToolbars() {
-    for (const CToolbarSpec& spec : ToolbarTable()) {
-        QToolBar* bar = addToolBar(QString::fromUtf8(spec.title));
-        bar->setObjectName(spec.name);
+    for (const CToolbarDef& toolbar : ToolbarTable()) {
+        QToolBar* bar = addToolBar(QString::fromUtf8(toolbar.title));
+        bar->setObjectName(toolbar.name);
         bar->setIconSize(QSize(16, 16));
-        for (unsigned id : spec.ids) {
+        for (unsigned id : toolbar.ids) {
             if (!id) {
                 bar->addSeparator();
                 continue;

@@ -272,8 +272,8 @@ const std::vector<CKeyBinding>& ExtraKeyTable() {
     return table;
 }
 
-const std::vector<CToolbarSpec>& ToolbarTable() {
-    static const std::vector<CToolbarSpec> table = {
+const std::vector<CToolbarDef>& ToolbarTable() {
+    static const std::vector<CToolbarDef> table = {
         {"StandardBar",
          "Standard",
          {FileNew, FileOpen, FileSave, 0, EditCut, EditCopy, EditPaste, 0, Undo, 0, HelpAbout}},

@@ -29,12 +29,12 @@ struct CKeyBinding {
 const std::vector<CKeyBinding>& ExtraKeyTable();
 
 // The buttons of each toolbar (0 = separator), by toolbar name.
-struct CToolbarSpec {
+struct CToolbarDef {
     const char* name;  // object name, kept in the bar layout
     const char* title; // shown in the Toolbars menu
     std::vector<unsigned> ids;
 };
-const std::vector<CToolbarSpec>& ToolbarTable();
+const std::vector<CToolbarDef>& ToolbarTable();
 
 // Items not on any menu that still need an action (toolbar-only buttons):
 // their text and whether they are toggles.
