@@ -2,6 +2,7 @@
 // Small images for module tests: a record and a pixel buffer whose rows
 // may carry padding, filled with a recognisable pattern.
 
+#include "tests/support/PrintCapture.h"
 #include "imaging/galloc.h"
 #include "imaging/module/module.h"
 
@@ -69,27 +70,6 @@ struct TestImage {
     }
 };
 
-// Records every line printed through the library's print hook.
-class PrintCapture {
-  public:
-    PrintCapture() {
-        lines().clear();
-        m_Previous = gsetprinthook(&hook);
-    }
-    ~PrintCapture() { gsetprinthook(m_Previous); }
-    static std::vector<std::string>& lines() {
-        static std::vector<std::string> captured;
-        return captured;
-    }
-
-  private:
-    static void hook(const char* format, va_list args) {
-        char buffer[1024];
-        vsnprintf(buffer, sizeof buffer, format, args);
-        lines().emplace_back(buffer);
-    }
-    GPrintHook m_Previous;
-};
 
 // Base fixture: every test must hand back every block it took.
 class ModuleTest : public ::testing::Test {

@@ -3,6 +3,7 @@
 // padded), conversion to and from the reference resizer's images, and
 // running a module by name through the framework's public calls.
 
+#include "tests/support/PrintCapture.h"
 #include "reference_resize.h"
 
 #include "imaging/galloc.h"
@@ -132,27 +133,7 @@ inline ModuleValue R(double v) {
     return ModuleValue::ofReal(v);
 }
 
-// Records every line printed through the library's print hook.
-class Printed {
-  public:
-    Printed() {
-        lines().clear();
-        m_Previous = gsetprinthook(&hook);
-    }
-    ~Printed() { gsetprinthook(m_Previous); }
-    static std::vector<std::string>& lines() {
-        static std::vector<std::string> captured;
-        return captured;
-    }
-
-  private:
-    static void hook(const char* format, va_list args) {
-        char buffer[1024];
-        vsnprintf(buffer, sizeof buffer, format, args);
-        lines().emplace_back(buffer);
-    }
-    GPrintHook m_Previous;
-};
+using Printed = PrintCapture;
 
 // Every test hands back every block it took, and leaves no allocation
 // limit behind.
