@@ -85,8 +85,9 @@ TEST_F(ModuleTest, EveryModuleOpensOrRefusesWithOneLine) {
         ++refused;
         EXPECT_EQ(instance, nullptr) << name;
         ASSERT_EQ(PrintCapture::lines().size(), 1u) << name;
-        if (PrintCapture::lines()[0].find("not available yet") != std::string::npos)
+        if (PrintCapture::lines()[0].find("not available yet") != std::string::npos) {
             EXPECT_EQ(PrintCapture::lines()[0], name + " - module not available yet\n");
+        }
         EXPECT_EQ(module_query(nullptr, 0), nullptr) << name;
         EXPECT_EQ(module_close(nullptr), 0) << name;
     }
