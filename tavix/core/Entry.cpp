@@ -90,7 +90,7 @@ Picture pictureFrom(const TavixInfo& info, const uint8_t* pixels, int32_t pitch)
 
 std::span<const uint8_t> tailOf(const TavixInfo& info) {
     // The size field is the caller's; never trust a tail beyond a sane bound.
-    if (info.size <= kTavixInfoSize || info.size > (16 << 20)) return {};
+    if (info.size <= kTavixInfoSize || info.size > (1 << 30)) return {};
     return {reinterpret_cast<const uint8_t*>(&info) + sizeof(TavixInfo),
             static_cast<size_t>(info.size) - sizeof(TavixInfo)};
 }
