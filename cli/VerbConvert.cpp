@@ -74,7 +74,8 @@ int runExport(const Args& args) {
     if (args.positional.size() != 2) throw ToolError("usage: zytool export IN DIR [--format NAME]");
     bindCodecLibrary();
     const std::string folder = args.positional[1];
-    int driver = outputDriver("." + args.option("format", "png"), args.option("format", "png"));
+    const std::string format = args.option("format", "png");
+    int driver = outputDriver(std::string(), format);
     TavixAbout about = driverAbout(driver);
     std::string extension = about.extensions[0][0] ? std::string(about.extensions[0], strnlen(about.extensions[0], 8)) : "";
     TavixReadResult file = readFileOrThrow(args.positional[0]);

@@ -12,6 +12,11 @@
 namespace zytool {
 namespace {
 
+void appendListItem(std::string& list, const std::string& item) {
+    if (!list.empty()) list += ',';
+    list += item;
+}
+
 std::string capabilityText(const TavixAbout& about) {
     struct Flag {
         uint32_t bit;
@@ -24,7 +29,7 @@ std::string capabilityText(const TavixAbout& about) {
     };
     std::string text;
     for (const Flag& flag : kFlags)
-        if (about.caps & flag.bit) text += (text.empty() ? "" : ",") + std::string(flag.name);
+        if (about.caps & flag.bit) appendListItem(text, flag.name);
     if (about.colourlimit) text += " colours<=" + std::to_string(about.colourlimit);
     if (about.namelimit) text += " name<=" + std::to_string(about.namelimit);
     return text;
@@ -33,7 +38,7 @@ std::string capabilityText(const TavixAbout& about) {
 std::string extensionText(const TavixAbout& about) {
     std::string text;
     for (int i = 0; i < kTavixMaxExtensions && about.extensions[i][0]; ++i)
-        text += (text.empty() ? "" : ",") + std::string(about.extensions[i], strnlen(about.extensions[i], 8));
+        appendListItem(text, std::string(about.extensions[i], strnlen(about.extensions[i], 8)));
     return text.empty() ? "-" : text;
 }
 

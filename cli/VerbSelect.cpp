@@ -35,8 +35,10 @@ int runSelect(const Args& args) {
     bindCodecLibrary();
     TavixReadResult file = readFileOrThrow(args.positional[1], true);
     std::string line;
-    for (int32_t index : selectIndices(args.positional[0], file.frames))
-        line += (line.empty() ? "" : " ") + std::to_string(index);
+    for (int32_t index : selectIndices(args.positional[0], file.frames)) {
+        if (!line.empty()) line += ' ';
+        line += std::to_string(index);
+    }
     printf("%s\n", line.c_str());
     return 0;
 }

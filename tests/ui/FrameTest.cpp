@@ -243,7 +243,7 @@ TEST(WindowPlacementStore, MinimisedAndMaximisedAreNotWritten) {
         CWindowPlacement placement;
         placement.showCmd = c.showCmd;
         placement.left = 10 * c.showCmd;
-        const std::string section = "W" + std::to_string(c.showCmd);
+        const std::string section = std::string("W").append(std::to_string(c.showCmd));
         EXPECT_EQ(WriteWindowPlacement(profile.Profile(), section, placement), c.written);
         EXPECT_EQ(profile.Has(section, "wp.left"), c.written);
         for (const char* key :
