@@ -175,24 +175,40 @@ bool module_instance_ok(const ModuleInstance* instance) {
            instance->images[0].info;
 }
 
-bool module_check_same_shape(const ModuleDecl& decl, const ModuleInstance* instance,
-                             const TavixInfo* result, const void* pixels, int32_t rowbytes) {
+namespace {
+
+// The checks every process call makes before writing a result; with
+// `sameSize` the result must also have the input's width and height.
+bool checkResult(const ModuleDecl& decl, const ModuleInstance* instance, const TavixInfo* result,
+                 const void* pixels, int32_t rowbytes, bool sameSize) {
     const char* problem = nullptr;
     if (!module_instance_ok(instance)) {
         problem = "not open";
     } else {
         const ImageEntry& in = instance->images[0];
-        int32_t row = module_row_length(in.info);
-        if (!in.pixels || in.rowbytes < row)
+        if (!in.pixels || in.rowbytes < module_row_length(in.info))
             problem = "bad input pixels";
         else if (!result || !pixels || !module_info_ok(result))
             problem = "bad result";
-        else if (result->width != in.info->width || result->height != in.info->height ||
-                 module_pixel_bytes(result) != module_pixel_bytes(in.info))
-            problem = "result differs from input in size or depth";
-        else if (rowbytes < row)
+        else if (module_pixel_bytes(result) != module_pixel_bytes(in.info))
+            problem = "result differs from input in depth";
+        else if (sameSize && (result->width != in.info->width || result->height != in.info->height))
+            problem = "result differs from input in size";
+        else if (rowbytes < module_row_length(result))
             problem = "result rows too short";
     }
     if (problem) gprintf("%s - %s\n", decl.name, problem);
     return problem == nullptr;
+}
+
+} // namespace
+
+bool module_check_same_shape(const ModuleDecl& decl, const ModuleInstance* instance,
+                             const TavixInfo* result, const void* pixels, int32_t rowbytes) {
+    return checkResult(decl, instance, result, pixels, rowbytes, true);
+}
+
+bool module_check_resized(const ModuleDecl& decl, const ModuleInstance* instance,
+                          const TavixInfo* result, const void* pixels, int32_t rowbytes) {
+    return checkResult(decl, instance, result, pixels, rowbytes, false);
 }

@@ -104,6 +104,10 @@ int32_t module_hotspot_count(const TavixInfo* info);
 // module and returns false otherwise.
 bool module_check_same_shape(const ModuleDecl& decl, const ModuleInstance* instance,
                              const TavixInfo* result, const void* pixels, int32_t rowbytes);
+// The same checks for a module whose result may differ from its input in
+// width and height (but not in pixel depth).
+bool module_check_resized(const ModuleDecl& decl, const ModuleInstance* instance,
+                          const TavixInfo* result, const void* pixels, int32_t rowbytes);
 
 inline const uint8_t* module_row(const ImageEntry& image, int32_t y) {
     return static_cast<const uint8_t*>(image.pixels) + static_cast<ptrdiff_t>(y) * image.rowbytes;

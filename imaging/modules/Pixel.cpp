@@ -87,12 +87,15 @@ const char* slotText(const ModuleInstance* instance, int32_t slot) {
     return text && text[0] ? text : nullptr;
 }
 
-void setRecordVariables(ExprContext* context, const char* prefix, const TavixInfo& info,
+// False as soon as a variable cannot be made (memory is short); the rest
+// are then not tried, so one failure prints one line.
+bool setRecordVariables(ExprContext* context, const char* prefix, const TavixInfo& info,
                         int32_t rowbytes) {
+    bool ok = true;
     auto set = [&](const char* name, double value) {
         char full[32];
         snprintf(full, sizeof full, "%s%s", prefix, name);
-        exprSetVariable(context, full, value);
+        ok = ok && exprSetVariable(context, full, value) != nullptr;
     };
     set("rowbytes", rowbytes);
     set("frame", info.frame);
@@ -126,6 +129,7 @@ void setRecordVariables(ExprContext* context, const char* prefix, const TavixInf
         snprintf(name, sizeof name, "hot%dy", i);
         set(name, info.hotspots[i].y);
     }
+    return ok;
 }
 
 void freePrograms(PixelInstance* pixel) {
@@ -274,14 +278,12 @@ int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int
     }
     const TavixInfo& info = *images[0].info;
     bool ok = pixel->context && makePixelVariables(pixel);
-    if (ok) {
-        exprSetVariable(pixel->context, "ispal", info.bufferbpp <= 8 ? 1 : 0);
-        setRecordVariables(pixel->context, "", info, images[0].rowbytes);
-        setRecordVariables(pixel->context, "a_", info, images[0].rowbytes);
-        exprSetVariable(pixel->context, "a_adr",
-                        static_cast<double>(reinterpret_cast<uintptr_t>(images[0].pixels)));
-        ok = compilePrograms(pixel);
-    }
+    ok = ok && exprSetVariable(pixel->context, "ispal", info.bufferbpp <= 8 ? 1 : 0) &&
+         setRecordVariables(pixel->context, "", info, images[0].rowbytes) &&
+         setRecordVariables(pixel->context, "a_", info, images[0].rowbytes) &&
+         exprSetVariable(pixel->context, "a_adr",
+                         static_cast<double>(reinterpret_cast<uintptr_t>(images[0].pixels)));
+    ok = ok && compilePrograms(pixel);
     if (!ok) {
         close(*out);
         *out = nullptr;

@@ -76,14 +76,8 @@ TavixInfo* query(ModuleInstance* instance, int32_t) {
 // Fills the result record's size, so a caller may also ask for any other
 // size than query output gave.
 int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
-    if (!module_instance_ok(instance)) return 0;
+    if (!module_check_resized(kDecl, instance, result, pixels, rowbytes)) return 0;
     const ImageEntry& in = instance->images[0];
-    if (!module_info_ok(result) || !pixels || !in.pixels ||
-        module_pixel_bytes(result) != module_pixel_bytes(in.info) ||
-        rowbytes < module_row_length(result) || in.rowbytes < module_row_length(in.info)) {
-        gprintf("Scale - bad source or result\n");
-        return 0;
-    }
     return resample::nearest_resize(in, static_cast<uint8_t*>(pixels), rowbytes, result->width,
                                     result->height)
                ? 1

@@ -267,14 +267,8 @@ TavixInfo* query(ModuleInstance* instance, int32_t) {
 
 // Fills the result record's size.
 int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
-    if (!module_instance_ok(instance)) return 0;
+    if (!module_check_resized(kDecl, instance, result, pixels, rowbytes)) return 0;
     const ImageEntry& in = instance->images[0];
-    if (!module_info_ok(result) || !pixels || !in.pixels ||
-        module_pixel_bytes(result) != module_pixel_bytes(in.info) ||
-        rowbytes < module_row_length(result) || in.rowbytes < module_row_length(in.info)) {
-        gprintf("Zoom - bad source or result\n");
-        return 0;
-    }
     auto* out = static_cast<uint8_t*>(pixels);
     bool ok = module_pixel_bytes(in.info) == 1
                   ? resample::nearest_resize(in, out, rowbytes, result->width, result->height)
