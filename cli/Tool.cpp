@@ -13,13 +13,34 @@ std::string Args::option(const std::string& name, const std::string& fallback) c
     return it == options.end() ? fallback : it->second;
 }
 
+std::vector<std::string> Args::all(const std::string& name) const {
+    std::vector<std::string> values;
+    for (const auto& [key, value] : given)
+        if (key == name) values.push_back(value);
+    return values;
+}
+
+namespace {
+
+bool isFlag(const std::string& word) {
+    return word == "--path-comment" || word == "--shared";
+}
+
+} // namespace
+
 Args parseArgs(int argc, char** argv, int first) {
     Args args;
     for (int i = first; i < argc; ++i) {
         std::string word = argv[i];
         if (word.size() > 2 && word.rfind("--", 0) == 0) {
+            if (isFlag(word)) { // options that take no value
+                args.options[word.substr(2)] = "1";
+                continue;
+            }
             if (i + 1 >= argc) throw ToolError("option " + word + " needs a value");
-            args.options[word.substr(2)] = argv[++i];
+            args.options[word.substr(2)] = argv[i + 1];
+            args.given.emplace_back(word.substr(2), argv[i + 1]);
+            ++i;
         } else {
             args.positional.push_back(word);
         }

@@ -19,12 +19,15 @@ struct ToolError : std::runtime_error {
 struct Args {
     std::vector<std::string> positional;
     std::map<std::string, std::string> options; // "--format png" -> {"format", "png"}
+    std::vector<std::pair<std::string, std::string>> given; // every option in order, repeats kept
 
     bool has(const std::string& name) const { return options.count(name) != 0; }
     std::string option(const std::string& name, const std::string& fallback = {}) const;
+    // Every value of an option that may be repeated (--set A --set B).
+    std::vector<std::string> all(const std::string& name) const;
 };
 
-// Options that take a value; everything else starting with "--" is a flag.
+// Every option takes a value except the flag --shared.
 Args parseArgs(int argc, char** argv, int first);
 
 void bindCodecLibrary();

@@ -3,6 +3,8 @@
 
 #include "cli/Verbs.h"
 
+#include "app/cmds/ExportCmd.h"
+
 #include "cli/Tool.h"
 #include "codec/FrameIO.h"
 
@@ -32,19 +34,6 @@ void writeOrThrow(const std::string& path, int driver, const std::vector<const T
     std::string error;
     if (!TavixWriteFileSafely(path, driver, frames, error))
         throw ToolError("cannot write '" + path + "': " + error);
-}
-
-// A frame name made safe as a file name: no folders, no hidden files.
-std::string fileNameFor(const TavixInfo& info, int index) {
-    std::string name(info.framename, strnlen(info.framename, sizeof info.framename));
-    for (char& c : name)
-        if (c == '/' || c == '\\' || static_cast<unsigned char>(c) < 0x20) c = '_';
-    if (name.empty() || name == "." || name == "..") {
-        char number[16];
-        snprintf(number, sizeof number, "%04d", index);
-        return number;
-    }
-    return name;
 }
 
 } // namespace
@@ -81,11 +70,16 @@ int runExport(const Args& args) {
     TavixReadResult file = readFileOrThrow(args.positional[0]);
     std::vector<bool> chosen = selectedFrames(args, file.frames);
     mkdir(folder.c_str(), 0777);
+    const int nameFormat = static_cast<int>(strtol(args.option("name-format", "0").c_str(), nullptr, 10));
+    if (nameFormat < 0 || nameFormat > 3) throw ToolError("--name-format takes 0 to 3");
     std::set<std::string> used;
+    int number = 0; // the running number among the exported frames, as the editor counts
     for (size_t i = 0; i < file.frames.size(); ++i) {
         if (!chosen[i]) continue;
-        std::string name = fileNameFor(*file.frames[i].info, static_cast<int>(i));
-        for (int n = 1; !used.insert(name).second; ++n) name = fileNameFor(*file.frames[i].info, static_cast<int>(i)) + "_" + std::to_string(n);
+        const TavixInfo& info = *file.frames[i].info;
+        const std::string base = ExportFileName(std::string(info.framename, strnlen(info.framename, sizeof info.framename)), number++, nameFormat);
+        std::string name = base;
+        for (int n = 1; !used.insert(name).second; ++n) name = base + "_" + std::to_string(n);
         writeOrThrow(folder + "/" + name + extension, driver, {&file.frames[i]});
     }
     return 0;

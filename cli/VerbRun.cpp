@@ -8,6 +8,7 @@
 #include "app/doc/TavixImage.h"
 #include "app/doc/UserInterface.h"
 #include "cli/Tool.h"
+#include "imaging/blend/blend.h"
 #include "imaging/module/module.h"
 
 #include <cstdio>
@@ -43,11 +44,37 @@ std::vector<ModuleValue> valuesFrom(const std::vector<std::string>& texts, const
     return values;
 }
 
+// The second image of frame i for two-image modules (--second FILE): frame
+// i of FILE, or FILE's only frame for every frame.
+std::vector<std::unique_ptr<CTavixImage>> secondImages(const Args& args, const ModuleDescriptor& descriptor,
+                                                       size_t frames) {
+    std::vector<std::unique_ptr<CTavixImage>> images;
+    if (!args.has("second")) return images;
+    if (descriptor.images < 2)
+        throw ToolError(std::string("module ") + descriptor.name + " takes one image; --second is for two-image modules");
+    TavixReadResult file = readFileOrThrow(args.option("second"));
+    if (file.frames.size() != 1 && file.frames.size() != frames)
+        throw ToolError("--second needs one frame or as many frames as the input (" + std::to_string(frames) +
+                        "), not " + std::to_string(file.frames.size()));
+    for (const TavixFrame& frame : file.frames) images.push_back(CTavixImage::FromFrame(frame));
+    return images;
+}
+
+// A psnr Blend run reports the signal-to-noise ratios of every frame and
+// of the whole file so far.
+void printBlendRatios(const ModuleDescriptor& descriptor, const std::vector<ModuleValue>& values, size_t frame) {
+    constexpr int kPsnrMethod = 5;
+    if (strcasecmp(descriptor.name, "Blend") != 0 || values.empty() || values[0].asInt() != kPsnrMethod) return;
+    const BlendPsnr psnr = blend_psnr_read();
+    printf("frame %zu: psnr %.2f dB, luminance %.2f dB; so far %.2f dB, luminance %.2f dB\n", frame, psnr.channel,
+           psnr.luminance, psnr.totalChannel, psnr.totalLuminance);
+}
+
 } // namespace
 
 int runRun(const Args& args) {
     if (args.positional.size() < 3)
-        throw ToolError("usage: zytool run MODULE [values...] IN OUT [--select EXPR] [--format NAME]");
+        throw ToolError("usage: zytool run MODULE [values...] IN OUT [--second FILE] [--select EXPR] [--format NAME]");
     bindCodecLibrary();
     CConsoleUi console;
     ZySetUi(&console);
@@ -61,6 +88,8 @@ int runRun(const Args& args) {
 
     TavixReadResult file = readFileOrThrow(input);
     std::vector<bool> chosen = selectedFrames(args, file.frames);
+    std::vector<std::unique_ptr<CTavixImage>> seconds = secondImages(args, *descriptor, file.frames.size());
+    blend_psnr_reset();
     std::vector<TavixFrame> results;
     for (size_t i = 0; i < file.frames.size(); ++i) {
         if (!chosen[i]) {
@@ -68,10 +97,12 @@ int runRun(const Args& args) {
             continue;
         }
         std::unique_ptr<CTavixImage> image = CTavixImage::FromFrame(file.frames[i]);
+        const CTavixImage* second = seconds.empty() ? nullptr : seconds[seconds.size() == 1 ? 0 : i].get();
         std::unique_ptr<CTavixImage> result =
-            image ? image->RunModule(module, values.data(), static_cast<int>(values.size())) : nullptr;
+            image ? image->RunModule(module, values.data(), static_cast<int>(values.size()), second) : nullptr;
         if (!result)
             throw ToolError(std::string("module ") + descriptor->name + " failed on frame " + std::to_string(i));
+        printBlendRatios(*descriptor, values, i);
         results.push_back(result->ToFrame());
     }
     std::vector<const TavixFrame*> list;

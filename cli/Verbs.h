@@ -17,9 +17,14 @@ int runFormats(const Args& args);
 int runInfo(const Args& args);
 int runConvert(const Args& args);
 int runExport(const Args& args);
+int runImport(const Args& args);
 int runModules(const Args& args);
 int runRun(const Args& args);
 int runSelect(const Args& args);
 int runMipmap(const Args& args);
+int runCommand(const Args& args);
+int runCommands(const Args& args);
+int runQuantize(const Args& args);
+int runDepth(const Args& args);
 
 } // namespace zytool

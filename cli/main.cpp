@@ -22,19 +22,31 @@ const Verb kVerbs[] = {
     {"convert", "convert IN... OUT [--format NAME] [--select EXPR]\n"
                 "                                  write every frame of the inputs to OUT",
      zytool::runConvert},
-    {"export", "export IN DIR [--format NAME] [--select EXPR]\n"
+    {"export", "export IN DIR [--format NAME] [--select EXPR] [--name-format 0-3]\n"
                "                                  write each frame to its own file in DIR",
      zytool::runExport},
+    {"import", "import DIR... OUT [--names keep|file|number] [--path-comment] [--format NAME]\n"
+               "                                  import image files and folders into one file",
+     zytool::runImport},
     {"select", "select EXPR FILE                print the indices of the frames EXPR selects",
      zytool::runSelect},
-    {"run", "run MODULE [values...] IN OUT [--select EXPR] [--format NAME]\n"
+    {"run", "run MODULE [values...] IN OUT [--second FILE] [--select EXPR] [--format NAME]\n"
             "                                  apply an image module to the frames of IN",
      zytool::runRun},
     {"mipmap", "mipmap IN OUT [--levels N] [--method M] [--select EXPR] [--format NAME]\n"
                "                                  give every frame a chain of mip-map levels",
      zytool::runMipmap},
+    {"quantize", "quantize IN OUT [--colors K] [--method NAME] [--dither D] [--shared] [--select EXPR]\n"
+                 "                                  reduce frames to 8-bit indexed images", zytool::runQuantize},
+    {"depth", "depth IN OUT --bits ARGB [--dither D] [--select EXPR]\n"
+              "                                  reduce the bits of each channel (0565, 1555, 4444)", zytool::runDepth},
     {"modules", "modules                         list the image modules and their parameters",
      zytool::runModules},
+    {"command", "command ID|NAME IN OUT [--select EXPR] [--set SECTION/KEY=VALUE ...] [--answer yes|no]\n"
+                "                                  run one editor command on the images of IN",
+     zytool::runCommand},
+    {"commands", "commands [--keys ID|NAME]       list the editor's commands, or the settings one reads",
+     zytool::runCommands},
 };
 
 void printUsage(FILE* to) {

@@ -1,5 +1,7 @@
 #include "codec/TavixBinding.h"
 
+#include "codec/LibraryLookup.h"
+
 #include "imaging/galloc.h"
 #include "imaging/gfile.h"
 
@@ -26,28 +28,13 @@ std::string g_path;
 // The library prints through this; its lines join the program's output.
 void forwardLibraryLine(const char* text) { gprintf("%s", text); }
 
-std::string executableFolder() {
-    char buffer[4096];
-    ssize_t n = readlink("/proc/self/exe", buffer, sizeof buffer - 1);
-    if (n <= 0) return {};
-    std::string path(buffer, static_cast<size_t>(n));
-    return path.substr(0, path.rfind('/') + 1);
-}
-
 // Unbinding ends our use of the library but leaves it mapped: its C++
 // runtime keeps small blocks from static initialisation, and unmapping the
 // code that owns them only makes them look leaked.
 constexpr int kLoadFlags = RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE;
 
-// A bare name N is libN.so beside the executable first, then wherever the
-// system loader finds it; a name with a '/' is a path.
 void* loadLibrary(const std::string& name) {
-    if (name.find('/') != std::string::npos) return dlopen(name.c_str(), kLoadFlags);
-    std::string file = "lib" + name + ".so";
-    std::string beside = executableFolder() + file;
-    if (access(beside.c_str(), F_OK) == 0)
-        if (void* handle = dlopen(beside.c_str(), kLoadFlags)) return handle;
-    return dlopen(file.c_str(), kLoadFlags);
+    return LoadNamedLibrary(name, kLoadFlags);
 }
 
 template <typename T> void resolve(T& slot, const char* name) {

@@ -74,6 +74,13 @@ void CCommandInfo::Create(CTavixDoc* doc, unsigned) {
     Start(doc, m_Factory(), [doc](CCommand* cmd) { return cmd->Init(doc); });
 }
 
+std::vector<std::string> CCommandInfo::DialogKeys(CDialogData& data) {
+    std::vector<std::string> keys;
+    for (const CDialogField& field : data.GetFields())
+        keys.push_back(std::string(data.GetDialogName()) + "/" + field.m_Name);
+    return keys;
+}
+
 void CCommandInfo::Start(CTavixDoc* doc, CCommand* cmd,
                          const std::function<bool(CCommand*)>& init) {
     if (!cmd) return;
@@ -86,10 +93,12 @@ void CCommandInfo::Start(CTavixDoc* doc, CCommand* cmd,
         init(cmd);
     } catch (...) {
         // Once submitted the handler owns the command (and has already
-        // deleted it if its Do threw).
+        // deleted it if its Do threw). The running name stays for the
+        // guard that reports this.
         if (handler.GetSubmitCount() == before) delete cmd;
         throw;
     }
+    handler.NoteFinished();
     if (handler.GetSubmitCount() == before) delete cmd;
 }
 

@@ -24,6 +24,7 @@
 #include <vector>
 
 class CCmdUI;
+class CDialogData;
 class CTavixDoc;
 
 class CCommand : public CObject {
@@ -86,6 +87,15 @@ class CCommandInfo : public CObject {
     virtual void Create(CTavixDoc* doc, unsigned nID);
 
     unsigned GetCommandId() const { return m_nCommandId; }
+
+    // True for families that cannot work without the editor's window (a
+    // colour editor, a drawing tool): batch runs refuse them.
+    virtual bool NeedsWindow() const { return false; }
+    // The settings the family reads, as "Section/key": its saved parameters
+    // and the fields of its dialog (section: the dialog's class name).
+    virtual std::vector<std::string> GetSettingKeys() const { return {}; }
+    // "Section/key" for every field of `data`.
+    static std::vector<std::string> DialogKeys(CDialogData& data);
 
     // Runs `init` on a new command; deletes the command when init returns
     // false, returns without submitting it, or throws before submitting.

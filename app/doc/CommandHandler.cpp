@@ -13,14 +13,19 @@ template <typename Fn> void CCommandHandler::Guarded(const char* label, Fn&& fn)
     try {
         fn();
     } catch (...) {
-        ReportProgramError(CrashLine(label, m_LastName), CommandExceptionTexts(m_LastName));
+        // The command that was running when the exception left it; a
+        // failure outside any command has no name of its own.
+        const std::string name = m_Running.empty() ? std::string("Unnamed Command") : m_Running;
+        m_Running.clear();
+        ReportProgramError(CrashLine(label, name), CommandExceptionTexts(name));
     }
 }
 
 void CCommandHandler::Submit(CCommand* cmd) {
     std::unique_ptr<CCommand> owned(cmd);
     ++m_nSubmitted;
-    m_LastName = owned->GetName();
+    const std::string outer = m_Running;
+    m_Running = owned->GetName();
     // The previous command's undo data is gone from here on, whatever
     // happens next.
     m_pCurrent.reset();
@@ -28,6 +33,15 @@ void CCommandHandler::Submit(CCommand* cmd) {
     if (owned->MarksModified() && m_pDoc) m_pDoc->SetModifiedFlag(true);
     m_pCurrent = std::move(owned);
     m_bUndone = false;
+    m_Running = outer;
+}
+
+bool CCommandHandler::Start(CCommand* cmd) {
+    const int before = m_nSubmitted;
+    Guarded("OnCommand", [this, cmd] {
+        CCommandInfo::Start(m_pDoc, cmd, [this](CCommand* c) { return c->Init(m_pDoc); });
+    });
+    return m_nSubmitted != before;
 }
 
 bool CCommandHandler::HasUndoableCommand() const {
@@ -60,13 +74,16 @@ bool CCommandHandler::OnUpdateCmdUI(CCmdUI* ui) {
 
 void CCommandHandler::OnUndo() {
     if (!m_pCurrent) return;
+    m_Running = m_pCurrent->GetName();
     Guarded("OnUndo", [this] {
         if (!m_bUndone)
             m_pCurrent->Undo();
         else
             m_pCurrent->Redo();
+        m_Running.clear();
     });
     m_bUndone = !m_bUndone;
+    if (m_pDoc) m_pDoc->OnHistoryChanged();
 }
 
 void CCommandHandler::OnUpdateUndo(CCmdUI* ui) {
@@ -92,6 +109,7 @@ void CCommandHandler::OnUpdateCommandRange(CCmdUI* ui) {
 }
 
 void CCommandHandler::OnCommandRange(unsigned nID) {
+    m_Running.clear();
     Guarded("OnCommand", [this, nID] {
         if (CCommandInfo* info = CCommandInfoHandler::Find(nID)) info->Create(m_pDoc, nID);
     });

@@ -57,8 +57,17 @@ class CCommandHandler {
     // How many commands were ever submitted here: lets a caller tell
     // whether a command it started has changed hands.
     int GetSubmitCount() const { return m_nSubmitted; }
-    // The name shown if the command about to start fails before Submit.
-    void NoteStarting(const std::string& name) { m_LastName = name; }
+    // The command that is running now (from its start to the end of its
+    // Init, or while its Do, Undo or Redo runs): the one a crash line
+    // names. Cleared when it ends normally, so that a cancelled command is
+    // never blamed for a later failure.
+    void NoteStarting(const std::string& name) { m_Running = name; }
+    void NoteFinished() { m_Running.clear(); }
+
+    // Starts `cmd` (made outside the registry: drops, in-place edits) under
+    // the program-error guard: Init, and through it Submit. A command that
+    // was not submitted is deleted. True when it was submitted.
+    bool Start(CCommand* cmd);
 
   private:
     template <typename Fn> void Guarded(const char* label, Fn&& fn);
@@ -67,5 +76,5 @@ class CCommandHandler {
     bool m_bUndone = false;
     CTavixDoc* m_pDoc = nullptr;
     int m_nSubmitted = 0;
-    std::string m_LastName; // of the most recently submitted (or started) command
+    std::string m_Running; // the command running now, empty between commands
 };

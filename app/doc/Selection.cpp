@@ -1,5 +1,7 @@
 #include "app/doc/Selection.h"
 
+#include "app/doc/RangeExpression.h"
+
 #include <algorithm>
 
 void CSelectionModel::SetItemCount(int count) {
@@ -50,4 +52,37 @@ CRange CSelectionModel::GetSelection() const {
 
 int CSelectionModel::GetSelectedCount() const {
     return static_cast<int>(std::count(m_Selected.begin(), m_Selected.end(), 1));
+}
+
+void CSelectionModel::Invert() {
+    for (uint8_t& mark : m_Selected)
+        mark = !mark;
+}
+
+int CSelectionModel::NextSelected(int after) const {
+    for (int i = std::max(after + 1, 0); i < GetItemCount(); ++i)
+        if (m_Selected[static_cast<size_t>(i)]) return i;
+    return -1;
+}
+
+int CSelectionModel::NextUnselected(int after) const {
+    for (int i = std::max(after + 1, 0); i < GetItemCount(); ++i)
+        if (!m_Selected[static_cast<size_t>(i)]) return i;
+    return -1;
+}
+
+bool CSelectionModel::SelectByExpression(const std::string& expression,
+                                         const std::vector<std::string>& names, int mode) {
+    const int count = GetItemCount();
+    if (!RangeExpression::Validate(expression, 0, count - 1)) return false;
+    if (mode == NewSelection) SelectAll(false);
+    // Removing is adding to the inverse: the matches leave the selection.
+    if (mode == RemoveFromSelection) Invert();
+    for (int i = 0; i < count; ++i) {
+        const std::string& name =
+            i < static_cast<int>(names.size()) ? names[static_cast<size_t>(i)] : std::string();
+        if (RangeExpression::Match(expression, name, i)) m_Selected[static_cast<size_t>(i)] = 1;
+    }
+    if (mode == RemoveFromSelection) Invert();
+    return true;
 }

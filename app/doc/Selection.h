@@ -9,6 +9,7 @@
 
 #include "app/doc/CRange.h"
 
+#include <string>
 #include <vector>
 
 class CSelectionModel {
@@ -34,6 +35,21 @@ class CSelectionModel {
     // One byte per item, 1 = selected.
     CRange GetSelection() const;
     int GetSelectedCount() const;
+    // Every selected item becomes unselected and every other one selected.
+    void Invert();
+    // The first selected (unselected) item after `after`; -1 when none.
+    int NextSelected(int after) const;
+    int NextUnselected(int after) const;
+    int FirstSelected() const { return NextSelected(-1); }
+    int FirstUnselected() const { return NextUnselected(-1); }
+
+    // How a range expression changes the selection.
+    enum ExpressionMode { NewSelection = 0, AddToSelection = 1, RemoveFromSelection = 2 };
+    // Selects the items whose index and name (`names[i]`) the range
+    // expression matches, in `mode`. False, with the selection unchanged,
+    // when a bound of the expression lies outside the items.
+    bool SelectByExpression(const std::string& expression, const std::vector<std::string>& names,
+                            int mode);
 
   private:
     std::vector<uint8_t> m_Selected;

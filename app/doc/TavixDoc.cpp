@@ -74,6 +74,14 @@ void CTavixDoc::RemoveImage(int index) {
     m_Selection.RemoveItem(index);
 }
 
+CTavixImage* CTavixDoc::DetachImage(int index) {
+    if (index < 0 || index >= GetImageCount()) return nullptr;
+    CTavixImage* image = m_Images[static_cast<size_t>(index)];
+    m_Images.erase(m_Images.begin() + index);
+    m_Selection.RemoveItem(index);
+    return image;
+}
+
 void CTavixDoc::SetImages(int count, CTavixImage* const* images, bool updateViews) {
     for (int i = 0; i < count; ++i) {
         if (i < GetImageCount())
@@ -84,6 +92,12 @@ void CTavixDoc::SetImages(int count, CTavixImage* const* images, bool updateView
     m_Selection.SetItemCount(GetImageCount());
     SetModifiedFlag(true);
     if (updateViews) UpdateAllViews(nullptr);
+}
+
+void CTavixDoc::ReplaceImages(const std::vector<CTavixImage*>& images) {
+    m_Images.assign(images.begin(), images.end());
+    m_Selection.SetItemCount(GetImageCount());
+    SetModifiedFlag(true);
 }
 
 // ---- Selection and focus -------------------------------------------------------

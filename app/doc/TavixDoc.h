@@ -44,6 +44,16 @@ class CTavixDoc {
     bool IsModified() const { return m_bModified; }
     const std::string& GetPathName() const { return m_strPathName; }
     void SetPathName(const std::string& path) { m_strPathName = path; }
+    // The name a document without a path shows (an incompletely read file
+    // is shown under its name but has no path); empty for a new one.
+    const std::string& GetTitle() const { return m_strTitle; }
+    // Clears the modified flag and remembers the undo history's state as
+    // the one the file holds, so that undoing back to it clears the flag
+    // again.
+    void MarkSaved();
+    // After an undo or redo: modified unless the history is back at the
+    // saved state.
+    void OnHistoryChanged();
     // The codec driver of the file; kNoFileType for a new or emptied one.
     int GetFileType() const { return m_nFileType; }
     void SetFileType(int driver) { m_nFileType = driver; }
@@ -64,11 +74,19 @@ class CTavixDoc {
     int InsertImage(int index, CTavixImage* image);
     // Deletes the image at `index`; nothing when out of range.
     void RemoveImage(int index);
+    // Takes the image at `index` out of the list and gives it to the caller
+    // (who keeps it for undo); null when out of range.
+    CTavixImage* DetachImage(int index);
     // Overwrites positions 0..count-1 with `images` (appending where the
     // list is shorter) and marks the document modified. The images that
     // were overwritten are not deleted: the caller holds them.
     void SetImages(int count, CTavixImage* const* images, bool updateViews);
     const CTavixImageList& GetImages() const { return m_Images; }
+    // Makes `images` the whole list, in that order, and marks the document
+    // modified. Images that leave the list are not deleted: the caller
+    // holds them (list commands keep them for undo). The selection takes
+    // the new length; the views are not told.
+    void ReplaceImages(const std::vector<CTavixImage*>& images);
 
     // ---- Selection and focus ---------------------------------------------
     CSelectionModel& GetSelectionModel() { return m_Selection; }
@@ -124,6 +142,7 @@ class CTavixDoc {
     bool Conform(int driver);
 
   private:
+    std::vector<uint8_t> ModifiedMarks() const;
     template <typename Fn> bool GuardFile(const std::string& crashLine, const CExceptionDlgTexts& texts, Fn&& fn);
 
     int m_nBusy = 0;
@@ -139,4 +158,10 @@ class CTavixDoc {
     std::function<bool(unsigned)> m_ToolHandler;
     bool m_bModified = false;
     std::string m_strPathName;
+    std::string m_strTitle;
+    // The undo history when the document last matched its file; invalid
+    // when no state of the history does.
+    bool m_bSavedValid = true;
+    int m_nSavedSubmitCount = 0;
+    bool m_bSavedUndone = false;
 };

@@ -273,12 +273,12 @@ void CTavixImage::SetHotSpotsFromText(const std::string& text) {
 }
 
 std::unique_ptr<CTavixImage> CTavixImage::RunModule(int module, const ModuleValue* values,
-                                                    int count) const {
+                                                    int count, const CTavixImage* second) const {
     if (!moduleIndexOk(module)) return nullptr;
     selectModule(module);
-    ImageEntry input = GetEntry();
+    const ImageEntry inputs[2] = {GetEntry(), second ? second->GetEntry() : ImageEntry{}};
     InstanceCloser run;
-    if (!module_open(&run.instance, 1, &input, count, values)) return nullptr;
+    if (!module_open(&run.instance, second ? 2 : 1, inputs, count, values)) return nullptr;
     GPtr<TavixInfo> result(module_query(run.instance, 0));
     if (!result) return nullptr;
     auto image = std::make_unique<CTavixImage>();

@@ -95,8 +95,9 @@ class CTavixImage : public CDIB {
     // A new image made by module `module` from this one with `count` values.
     // A bad module index shows "The filter ID is bad, or the selected filter
     // is unavailable." and gives null; a module failure gives null.
-    std::unique_ptr<CTavixImage> RunModule(int module, const ModuleValue* values,
-                                           int count) const;
+    // Two-image modules (Blend) get `second` as their second image entry.
+    std::unique_ptr<CTavixImage> RunModule(int module, const ModuleValue* values, int count,
+                                           const CTavixImage* second = nullptr) const;
     // An identical image, made by the null module.
     std::unique_ptr<CTavixImage> Duplicate() const;
     // Runs the module over this image's own record and pixels.

@@ -1,12 +1,16 @@
 #include "app/doc/TavixImageList.h"
 
 #include "app/doc/Exceptions.h"
+#include "app/doc/LibraryMessages.h"
 #include "app/doc/ProgressDlg.h"
 #include "app/doc/UserInterface.h"
 #include "codec/TavixBinding.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -47,24 +51,41 @@ struct WriteSession {
     }
 };
 
-void readFailed(const std::string& path) {
-    char text[2048];
-    snprintf(text, sizeof text,
-             "An error occurred while reading '%s'. Possible causes include:\n\n"
-             "\u2022 The Tavix DLL being used (see Help, About Zy... ) is not up-to-date.\n"
-             "\u2022 The filetype is unsupported.\n"
-             "\u2022 The file is bad.\n"
-             "\u2022 The file is on a bad storage device.\n"
-             "\u2022 The system is out of memory.",
-             path.c_str());
-    ZyUi().MessageBox(text, MsgButtons::OK, MsgIcon::Error);
-    throw CFileException(CFileException::generic, path);
+// The reason a file cannot be opened that the system knows: it is missing,
+// unreadable or a folder. Empty when the system sees nothing wrong.
+std::string systemReason(const std::string& path) {
+    struct stat st {};
+    if (stat(path.c_str(), &st) != 0) return strerror(errno);
+    if (S_ISDIR(st.st_mode)) return "it is a directory";
+    if (access(path.c_str(), R_OK) != 0) return strerror(errno);
+    return {};
 }
 
-// Reads the frames of an opened stream; false when one had no record or the
-// stream is not of the driver's format.
+// A write the codec refused: its reason, or `fallback` when it gave none.
+[[noreturn]] void writeFailed(const std::string& path, CLibraryMessages& messages,
+                              const std::string& fallback) {
+    std::string reason = messages.Take();
+    if (reason.empty()) reason = fallback;
+    throw CFileException("'" + path + "' was not saved:\n\n" + reason);
+}
+
+[[noreturn]] void readFailed(const std::string& path, std::string reason) {
+    if (reason.empty()) reason = "no driver of the codec library can read it";
+    throw CFileException("An error occurred while reading '" + path + "':\n\n" + reason);
+}
+
+std::string frameFailure(int index, CLibraryMessages& messages, const char* fallback) {
+    std::string reason = messages.Take();
+    if (reason.empty()) reason = fallback;
+    return "frame " + std::to_string(index + 1) + ": " + reason;
+}
+
+// Reads the frames of an opened stream into `images`, noting in `report`
+// each frame that fails. False when the stream is not of the driver's
+// format or the driver cannot open it.
 bool readFrames(ReadSession& session, const std::string& path, bool showProgress,
-                std::vector<std::unique_ptr<CTavixImage>>& images) {
+                std::vector<std::unique_ptr<CTavixImage>>& images, CFileReadReport& report,
+                CLibraryMessages& messages) {
     CProgressDlg progress("Reading " + path, session.about.get());
     if (showProgress) {
         showProgress = progress.Create();
@@ -73,28 +94,40 @@ bool readFrames(ReadSession& session, const std::string& path, bool showProgress
             progress.SetAnimation(CProgressDlg::kOpenAnimation);
         }
     }
-    bool success = TavixIs(session.stream) != 0;
+    if (!TavixIs(session.stream)) return false;
     const int count = TavixOpen(&session.reader, session.stream, path.c_str(), 1);
     // A driver that took the stream but cannot open it has found the file
     // bad: that is a failed read, not an empty file.
-    if (count <= 0) success = false;
-    progress.SetRange(0, count > 0 ? count : 0);
+    if (count <= 0) return false;
+    report.m_FrameCount = count;
+    // What the driver found wrong while opening: it explains the frames
+    // that fail below.
+    report.m_Notes = messages.Take();
+    progress.SetRange(0, count);
     for (int i = 0; i < count; ++i) {
         if (showProgress) {
             progress.SetStatus(frameText(i, count));
-            if (progress.CheckCancelButton()) break;
+            if (progress.CheckCancelButton()) {
+                report.m_Cancelled = true;
+                break;
+            }
         }
         TavixInfoPtr info(TavixFrameInfo(session.reader, i));
         if (!info) {
-            success = false;
+            report.m_Failures.push_back(
+                frameFailure(i, messages, "the codec library gave no record"));
             continue;
         }
         if (info->width <= 0 || info->height <= 0) continue;
         auto image = std::make_unique<CTavixImage>();
         image->SetInformation(*info);
-        if (!TavixRead(session.reader, info.get(), image->GetBits(), image->GetPitch()))
-            throw CFileException(CFileException::generic, path);
+        if (!TavixRead(session.reader, info.get(), image->GetBits(), image->GetPitch())) {
+            report.m_Failures.push_back(
+                frameFailure(i, messages, "its pixels could not be decoded"));
+            continue;
+        }
         images.push_back(std::move(image));
+        ++report.m_FramesRead;
         info.reset();
         if (showProgress) progress.StepIt();
     }
@@ -104,7 +137,7 @@ bool readFrames(ReadSession& session, const std::string& path, bool showProgress
         session.reader = nullptr;
         if (!TavixClose(reader)) throw CFileException(CFileException::generic, path);
     }
-    return success;
+    return true;
 }
 
 } // namespace
@@ -113,22 +146,50 @@ std::string TemporarySavePath(const std::string& path) {
     return path + ".zy-partial-" + std::to_string(getpid());
 }
 
-int CTavixImageList::ReadFile(const std::string& path, bool showProgress) {
+std::string CFileReadReport::Describe(const std::string& path) const {
+    std::string text;
+    if (m_Cancelled)
+        text = "Reading '" + path + "' was cancelled after " + std::to_string(m_FramesRead) +
+               " of " + std::to_string(m_FrameCount) + " frames.";
+    if (!m_Failures.empty()) {
+        if (!text.empty()) text += "\n\n";
+        text += "Only " + std::to_string(m_FramesRead) + " of " + std::to_string(m_FrameCount) +
+                " frames of '" + path + "' could be read. These could not:\n";
+        for (const std::string& failure : m_Failures)
+            text += "\n" + failure;
+        if (!m_Notes.empty()) text += "\n\nThe codec library reported:\n" + m_Notes;
+    }
+    return text;
+}
+
+int CTavixImageList::ReadFile(const std::string& path, bool showProgress, CFileReadReport* report) {
     std::vector<std::unique_ptr<CTavixImage>> images;
     int driver = kNoFileType;
-    bool success = false;
+    bool opened = false;
+    CFileReadReport own;
+    CFileReadReport& noted = report ? *report : own;
+    CLibraryMessages messages;
     {
         ReadSession session;
         char workarea[260] = {};
         session.stream = TavixGOpen(path.c_str(), workarea);
-        if (session.stream) driver = TavixGet();
-        if (session.stream && driver >= 0) {
+        if (!session.stream) {
+            std::string reason = systemReason(path);
+            readFailed(path, reason.empty() ? messages.Take() : reason);
+        }
+        driver = TavixGet();
+        if (driver >= 0) {
             TavixSet(driver);
             session.about.reset(TavixAboutDriver());
-            if (session.about) success = readFrames(session, path, showProgress, images);
+            if (session.about)
+                opened = readFrames(session, path, showProgress, images, noted, messages);
         }
     }
-    if (!success) readFailed(path);
+    if (!opened) readFailed(path, messages.Take());
+    // Without a report every frame must read; with one, at least one must
+    // when any failed.
+    if (!noted.m_Failures.empty() && (!report || images.empty()))
+        readFailed(path, noted.Describe(path));
     reserve(size() + images.size());
     for (auto& image : images)
         push_back(image.release());
@@ -151,15 +212,21 @@ void CTavixImageList::WriteFile(const std::string& path, int driver, bool showPr
     }
     about.reset();
     const int count = static_cast<int>(size());
+    CLibraryMessages messages;
     progress.SetRange(0, count);
 
     WriteSession session;
     session.temporary = TemporarySavePath(path);
     session.stream = TavixProgramCallbacks().openwrite(session.temporary.c_str());
-    if (!session.stream) throw CFileException(CFileException::generic, path);
+    if (!session.stream) writeFailed(path, messages, strerror(errno));
     if (!TavixWOpen(&session.writer, session.stream, path.c_str(), count)) {
+        // A format that cannot hold these images (too many, none at all)
+        // refuses here: nothing was written and the old file stays.
         session.writer = nullptr;
-        return;
+        writeFailed(path, messages,
+                    count == 0
+                        ? std::string("a file of this format needs at least one image")
+                        : "the format cannot hold these " + std::to_string(count) + " images");
     }
     for (int i = 0; i < count; ++i) {
         if (showProgress) {
@@ -170,18 +237,20 @@ void CTavixImageList::WriteFile(const std::string& path, int driver, bool showPr
         if (!image) throw CFileException(CFileException::generic, path);
         const TavixInfo* info = image->GetInfoForWrite();
         if (!info || !TavixWrite(session.writer, info, image->GetBits(), image->GetPitch()))
-            throw CFileException(CFileException::generic, path);
+            writeFailed(path, messages, "image " + std::to_string(i + 1) + " could not be written");
         image->TakeModifiedMark();
         if (showProgress) progress.StepIt();
     }
     if (showProgress) progress.SetStatus("Closing");
     TavixWriter writer = session.writer;
     session.writer = nullptr;
-    if (!TavixWClose(writer)) throw CFileException(CFileException::generic, path);
+    if (!TavixWClose(writer)) writeFailed(path, messages, "the file could not be completed");
     intptr_t stream = session.stream;
     session.stream = 0;
     if (!TavixProgramCallbacks().close(stream)) throw CFileException(CFileException::generic, path);
-    if (rename(session.temporary.c_str(), path.c_str()) != 0)
-        throw CFileException(CFileException::generic, path);
+    if (rename(session.temporary.c_str(), path.c_str()) != 0) {
+        const int error = errno;
+        throw CFileException("'" + path + "' was not saved:\n\n" + strerror(error));
+    }
     session.finished = true;
 }

@@ -3,6 +3,7 @@
 #include "app/doc/ConsoleUi.h"
 #include "app/doc/CrashReport.h"
 #include "app/doc/Profile.h"
+#include "app/doc/TavixImage.h"
 
 namespace {
 
@@ -26,6 +27,12 @@ void CUserInterface::ReportCrash(const std::string& line) {
 }
 
 CCurrentColour CUserInterface::GetCurrentColour(int) const {
+    return {};
+}
+
+void CUserInterface::OfferClipboardImages(const std::vector<const CTavixImage*>&) {}
+
+std::vector<std::unique_ptr<CTavixImage>> CUserInterface::ReadClipboardImages(const std::string&) {
     return {};
 }
 

@@ -18,10 +18,26 @@
 
 class CProfile;
 class CProgressDlg;
+class CTavixImage;
 
 enum class MsgButtons { OK, OKCancel, YesNo, YesNoCancel };
 enum class MsgIcon { None, Information, Warning, Error, Question };
 enum class MsgAnswer { OK, Cancel, Yes, No };
+
+// One value a dialog edits, described so that a front end without the
+// dialog's own window can fill it: zytool reads it from the settings
+// section named after the dialog with the member's name as the key, and the
+// window front end can show a plain form of such fields.
+struct CDialogField {
+    enum Kind { Integer, Real, Choice, Text };
+    const char* m_Name; // the member's name, also its settings key
+    Kind m_Kind;
+    void* m_Value;    // int* (Integer, Choice), double* (Real), std::string* (Text)
+    double m_Min = 0; // limits of Integer and Real fields
+    double m_Max = 0;
+    const char* m_Choices = ""; // "Alpha,Paste,Sub": the names of Choice values 0, 1, 2 ...
+    const char* m_Label = "";   // the caption a form shows; the name when empty
+};
 
 // The values one parameter dialog edits. Each dialog has its own plain
 // struct deriving from this; the front end finds the dialog by the name and
@@ -31,6 +47,8 @@ class CDialogData {
     virtual ~CDialogData() = default;
     // The dialog's class name, e.g. "CRotateArbitraryDlg".
     virtual const char* GetDialogName() const = 0;
+    // The editable fields, in the order a form shows them; none by default.
+    virtual std::vector<CDialogField> GetFields() { return {}; }
 };
 
 // The codec file dialog (open or save) over the codec's file types.
@@ -108,6 +126,18 @@ class CUserInterface {
 
     // The palette entries selected in the palette well, ascending.
     virtual std::vector<int> GetPaletteSelection() const { return {}; }
+
+    // The clipboard, as far as images go. Offering puts the images on it in
+    // every format the front end knows (Zy's own image list and a bitmap of
+    // the first); reading gives the images of one format, or of the best
+    // one there is when `format` is empty. A front end without a clipboard
+    // holds nothing.
+    virtual void OfferClipboardImages(const std::vector<const CTavixImage*>& images);
+    // The image formats on the clipboard, best first ("Zy Image List",
+    // "Bitmap").
+    virtual std::vector<std::string> GetClipboardFormats() const { return {}; }
+    virtual std::vector<std::unique_ptr<CTavixImage>>
+    ReadClipboardImages(const std::string& format);
 
   private:
     bool m_MainWindowEnabled = true;

@@ -3,14 +3,17 @@
 #include "app/doc/Command.h"
 #include "app/doc/CommandHandler.h"
 #include "app/doc/Hints.h"
+#include "app/doc/ListEditCmds.h"
+#include "app/doc/TavixImage.h"
 #include "app/doc/Profile.h"
 #include "app/doc/TavixDoc.h"
 #include "app/doc/UserInterface.h"
 #include "app/ui/CaptionStrip.h"
-#include "app/ui/CommandIds.h"
+#include "app/doc/CommandIds.h"
 #include "app/ui/DisplayCard.h"
 #include "app/ui/ImageListView.h"
 #include "app/ui/ImageView.h"
+#include "app/ui/ImportDrop.h"
 
 #include <QCloseEvent>
 #include <QFileInfo>
@@ -35,6 +38,9 @@ CChildFrame::CChildFrame(std::unique_ptr<CTavixDoc> doc, QWidget* parent)
     m_ActiveView = m_ListView;
     connect(m_ListView, &CImageListView::Activated, this, [this] { SetActiveView(m_ListView); });
     connect(m_ImageView, &CImageView::Activated, this, [this] { SetActiveView(m_ImageView); });
+    connect(m_ListView, &CImageListView::FilesDropped, this, &CChildFrame::InsertFiles);
+    connect(m_ListView, &CImageListView::ContextMenuRequested, this,
+            &CChildFrame::ContextMenuRequested);
     setFocusProxy(m_ListView);
     resize(900, 560);
     RefreshTitle();
@@ -48,6 +54,8 @@ CChildFrame::~CChildFrame() {
 
 QString CChildFrame::Title() const {
     const std::string& path = m_Doc->GetPathName();
+    if (path.empty() && !m_Doc->GetTitle().empty())
+        return QString::fromStdString(m_Doc->GetTitle());
     if (path.empty()) return m_UntitledName;
     return QFileInfo(QString::fromStdString(path)).fileName();
 }
@@ -91,6 +99,18 @@ void CChildFrame::closeEvent(QCloseEvent* event) {
     }
     m_ListView->Play(0); // stops a running animation
     event->accept();
+}
+
+CChildFrame::PaneTexts CChildFrame::Panes() const {
+    return {m_ListView->IndexPaneText(), m_ListView->SizePaneText(),
+            m_ImageView->PositionPaneText(), m_ImageView->ZoomPaneText()};
+}
+
+// Files and folders dropped from the desktop are imported with the Import
+// page's naming rules, as one undoable command.
+void CChildFrame::InsertFiles(const QStringList& paths) {
+    ImportDroppedFiles(m_Doc.get(), paths);
+    RefreshTitle();
 }
 
 // ---- Commands ---------------------------------------------------------------------------

@@ -9,7 +9,10 @@
 
 #include <QWidget>
 
+#include <QStringList>
+
 #include <memory>
+#include <string>
 
 class CImageListView;
 class CImageView;
@@ -25,6 +28,12 @@ class CChildFrame : public QWidget, public CCommandTarget {
     CTavixDoc* GetDocument() const { return m_Doc.get(); }
     CImageListView* ListView() const { return m_ListView; }
     CImageView* ImageView() const { return m_ImageView; }
+
+    // The four status-bar panes: index, size, position and zoom.
+    struct PaneTexts {
+        std::string index, size, position, zoom;
+    };
+    PaneTexts Panes() const;
 
     bool OnCmdMsg(unsigned id) override;
     bool OnUpdateCmdUI(CUiCmdUI& ui) override;
@@ -42,9 +51,14 @@ class CChildFrame : public QWidget, public CCommandTarget {
     void SetFrameActive(bool active);
     QWidget* ActiveView() const { return m_ActiveView; }
 
+    // Reads dropped files and inserts their images as one command.
+    void InsertFiles(const QStringList& paths);
+
   signals:
     // The document got a new path (a save under another name).
     void PathChanged(const QString& path);
+    // A view asked for the context menu at `globalPos`.
+    void ContextMenuRequested(const QPoint& globalPos);
 
   protected:
     void closeEvent(QCloseEvent* event) override;

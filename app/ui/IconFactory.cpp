@@ -1,6 +1,6 @@
 #include "app/ui/IconFactory.h"
 
-#include "app/ui/CommandIds.h"
+#include "app/doc/CommandIds.h"
 
 #include <QApplication>
 #include <QPainter>

@@ -1,53 +1,31 @@
 #pragma once
 // CImageListView: the shape list, the left-hand view of every document
-// window. A virtual list: the model below holds no data of its own and asks
-// the document for every cell. The view owns the document's selection and
-// focused image as the user sees them (the document's CSelectionModel holds
-// the values, so commands read them without a window), steps through the
-// images, plays them as an animation, and moves images in and out by drag
-// and drop.
+// window. It shows the document's images (CImageListModel asks the
+// document for every cell) and lets the user edit the document's selection
+// and focus, which the document's CSelectionModel holds so that commands
+// read them without a window. It steps through the images, plays them as
+// an animation, and turns drags and drops into commands on the document:
+// a move within the list, images from another document, a bitmap. Files
+// dropped from the desktop leave as the FilesDropped signal, and the
+// context menu as ContextMenuRequested: the frame above decides what they
+// do.
 
 #include "app/doc/CRange.h"
 #include "app/doc/View.h"
 #include "app/ui/CommandTarget.h"
 
-#include <QAbstractTableModel>
+#include <QStringList>
 #include <QTableView>
 #include <QTimer>
 
-#include <functional>
 #include <string>
 #include <vector>
 
+class CCommand;
+class CImageListModel;
 class CTavixDoc;
 class CTavixImage;
 class TCaptionStrip;
-
-// The list's model: the document's images as rows of the seven columns.
-class CImageListModel : public QAbstractTableModel {
-    Q_OBJECT
-  public:
-    explicit CImageListModel(CTavixDoc* doc, QObject* parent = nullptr);
-
-    // The row count as the view last set it from the document.
-    void SetRowCount(int rows);
-    // Repaints the cells without changing the rows.
-    void RefreshCells();
-
-    int rowCount(const QModelIndex& parent = {}) const override;
-    int columnCount(const QModelIndex& parent = {}) const override;
-    QVariant data(const QModelIndex& index, int role) const override;
-    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-    Qt::ItemFlags flags(const QModelIndex& index) const override;
-    Qt::DropActions supportedDropActions() const override;
-
-  private:
-    CTavixDoc* m_Doc;
-    int m_Rows = 0;
-};
-
-// The private drag type: in-process addresses of image records.
-constexpr const char* kImageListMimeType = "application/x-zy-image-list";
 
 class CImageListView : public QTableView, public CView, public CCommandTarget {
     Q_OBJECT
@@ -67,7 +45,8 @@ class CImageListView : public QTableView, public CView, public CCommandTarget {
     bool OnCmdMsg(unsigned id) override;
     bool OnUpdateCmdUI(CUiCmdUI& ui) override;
 
-    // Selection operations.
+    // Selection operations (the document's selection model does the work;
+    // the view shows the result and tells the other views).
     void SelectAll();
     void SelectNone();
     void InvertSelection();
@@ -76,11 +55,6 @@ class CImageListView : public QTableView, public CView, public CCommandTarget {
     void GetSelection(CRange& range) const;
     void SetSelection(const CRange& range);
     int GetFocusIndex() const;
-    int IndexOf(const CTavixImage* image) const;
-    int FirstSelected() const { return NextSelected(-1); }
-    int NextSelected(int after) const;
-    int FirstUnselected() const { return NextUnselected(-1); }
-    int NextUnselected(int after) const;
 
     // Navigation.
     void Next();
@@ -101,15 +75,21 @@ class CImageListView : public QTableView, public CView, public CCommandTarget {
     std::string IndexPaneText() const;
     std::string SizePaneText() const;
 
-    // Drops (also reachable without a drag, for the tests).
+    // Drops, each submitted as a command (also reachable without a drag,
+    // for the tests). `row` is the row dropped on, -1 below the last.
     void DropImagePointers(const std::vector<CTavixImage*>& images, CTavixDoc* source, int row);
     void DropBitmap(const QImage& image);
-    // What files dropped from the desktop do (the application sets it).
-    static void SetFileDropHandler(std::function<void(CTavixDoc*, const QStringList&)> handler);
+
+    // Starts editing the focused image's name in place (F2).
+    void EditFocusedName();
 
   signals:
     // The view got the keyboard focus: it is now its frame's active view.
     void Activated();
+    // Files were dropped from the desktop onto the list.
+    void FilesDropped(const QStringList& paths);
+    // The user asked for the context menu at `globalPos`.
+    void ContextMenuRequested(const QPoint& globalPos);
 
   protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
@@ -118,20 +98,21 @@ class CImageListView : public QTableView, public CView, public CCommandTarget {
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
-    void focusOutEvent(QFocusEvent* event) override;
+    // Every edit of a row edits its name, wherever the row was clicked.
+    bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
 
   private:
     void OnSelectionChanged(const QItemSelection& selected, const QItemSelection& deselected);
     void OnCurrentChanged(const QModelIndex& current, const QModelIndex& previous);
     // Shows the document's selection and focus in the list (no notices).
     void PullSelection();
-    // Makes exactly the rows flagged in `rows` selected (one notice).
-    void ApplySelection(const std::vector<uint8_t>& rows);
-    std::vector<uint8_t> SelectedRows() const;
+    // After the selection model changed: show it and tell the other views.
+    void SelectionEdited();
     void SetRowCountFromDocument();
-    void DropFromOtherDocument(const std::vector<CTavixImage*>& images, int row);
-    void MoveWithinDocument(int row);
     void StopAnimation();
+    // Runs a list command on the document; true when it was submitted.
+    bool Run(CCommand* cmd);
+    void ScrollToFocus();
 
     CTavixDoc* m_Doc;
     CImageListModel* m_Model;

@@ -6,9 +6,7 @@
 #include "app/doc/TavixImage.h"
 #include "app/doc/UserInterface.h"
 #include "app/ui/CaptionStrip.h"
-#include "app/ui/CommandIds.h"
-#include "app/ui/MainFrame.h"
-#include "app/ui/QtUserInterface.h"
+#include "app/doc/CommandIds.h"
 
 #include <QApplication>
 #include <QMouseEvent>
@@ -288,8 +286,8 @@ void CImageView::focusInEvent(QFocusEvent* event) {
 }
 
 std::string CImageView::PositionPaneText() const {
-    const CMainFrame* frame = ZyQtUi() ? ZyQtUi()->GetMainFrame() : nullptr;
-    if (m_Mouse.x() < 0 || (frame && !frame->isActiveWindow())) return {};
+    // Only while the pointer is over this window's own active top level.
+    if (m_Mouse.x() < 0 || (window()->isVisible() && !isActiveWindow())) return {};
     const QPoint s = ScrollPosition();
     const int x = static_cast<int>(std::floor((m_Mouse.x() + s.x()) / m_Zoom));
     const int y = static_cast<int>(std::floor((m_Mouse.y() + s.y()) / m_Zoom));

@@ -3,10 +3,8 @@
 #include "app/doc/Profile.h"
 #include "app/doc/UserInterface.h"
 #include "app/ui/ChildFrame.h"
-#include "app/ui/CommandIds.h"
+#include "app/doc/CommandIds.h"
 #include "app/ui/IconFactory.h"
-#include "app/ui/ImageListView.h"
-#include "app/ui/ImageView.h"
 #include "app/ui/MenuTable.h"
 #include "app/ui/OutputWindow.h"
 #include "app/ui/WindowPlacement.h"
@@ -17,6 +15,8 @@
 #include <QLabel>
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QMenu>
+#include <QPointer>
 #include <QMenuBar>
 #include <QGuiApplication>
 #include <QScreen>
@@ -228,6 +228,10 @@ QToolBar* CMainFrame::Toolbar(const QString& name) const {
 CChildFrame* CMainFrame::ActiveChild() const {
     if (!m_MdiArea) return nullptr;
     QMdiSubWindow* window = m_MdiArea->activeSubWindow();
+    // While another window (a dialog, the output window) has the focus the
+    // area has no active window: the last one the user had is meant.
+    if (!window && m_LastActive && m_MdiArea->subWindowList().contains(m_LastActive.data()))
+        window = m_LastActive;
     if (!window) window = m_MdiArea->currentSubWindow();
     if (!window && !m_MdiArea->subWindowList().isEmpty())
         window = m_MdiArea->subWindowList().back();
@@ -243,6 +247,7 @@ QList<CChildFrame*> CMainFrame::Children() const {
 }
 
 QMdiSubWindow* CMainFrame::AddChild(CChildFrame* child) {
+    connect(child, &CChildFrame::ContextMenuRequested, this, &CMainFrame::ShowContextMenu);
     QMdiSubWindow* window = m_MdiArea->addSubWindow(child);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->resize(child->size());
@@ -253,13 +258,40 @@ QMdiSubWindow* CMainFrame::AddChild(CChildFrame* child) {
 }
 
 void CMainFrame::OnCommand(unsigned id) {
-    if (CChildFrame* child = ActiveChild())
-        if (child->OnCmdMsg(id)) {
-            UpdateAllActions();
-            return;
-        }
+    QPointer<CChildFrame> child = ActiveChild();
+    if (child && child->OnCmdMsg(id)) {
+        // Progress windows and message boxes take the activation while a
+        // command runs; the document it ran on stays the active one.
+        if (child) ActivateChild(child);
+        UpdateAllActions();
+        return;
+    }
     m_App->OnCmdMsg(id);
     UpdateAllActions();
+}
+
+void CMainFrame::ActivateChild(CChildFrame* child) {
+    auto* window = qobject_cast<QMdiSubWindow*>(child->parentWidget());
+    if (!window || !m_MdiArea->subWindowList().contains(window)) return;
+    if (m_MdiArea->activeSubWindow() != window) m_MdiArea->setActiveSubWindow(window);
+    m_LastActive = window;
+}
+
+void CMainFrame::ShowContextMenu(const QPoint& globalPos) {
+    QMenu menu("Right Click Menu", this);
+    const unsigned items[] = {EditCut,  EditCopy, EditPaste, 0,
+                              ListShow, ListHide, 0,         ViewProperties};
+    for (unsigned id : items) {
+        if (!id) {
+            menu.addSeparator();
+            continue;
+        }
+        if (QAction* action = Action(id)) {
+            UpdateAction(action);
+            menu.addAction(action);
+        }
+    }
+    menu.exec(globalPos);
 }
 
 void CMainFrame::UpdateAction(QAction* action) {
@@ -285,10 +317,11 @@ void CMainFrame::UpdatePanes() {
         const QString value = QString::fromStdString(text);
         if (m_Panes[pane]->text() != value) m_Panes[pane]->setText(value);
     };
-    set(IndexPane, child ? child->ListView()->IndexPaneText() : "");
-    set(SizePane, child ? child->ListView()->SizePaneText() : "");
-    set(PositionPane, child ? child->ImageView()->PositionPaneText() : "");
-    set(ZoomPane, child ? child->ImageView()->ZoomPaneText() : "");
+    const CChildFrame::PaneTexts texts = child ? child->Panes() : CChildFrame::PaneTexts{};
+    set(IndexPane, texts.index);
+    set(SizePane, texts.size);
+    set(PositionPane, texts.position);
+    set(ZoomPane, texts.zoom);
 }
 
 void CMainFrame::OnIdle() {
@@ -303,6 +336,7 @@ void CMainFrame::OnIdle() {
 }
 
 void CMainFrame::OnSubWindowActivated(QMdiSubWindow* window) {
+    if (window) m_LastActive = window;
     for (CChildFrame* child : Children())
         child->SetFrameActive(window && window->widget() == child);
     UpdatePanes();

@@ -8,6 +8,7 @@
 #include "app/ui/CommandTarget.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QTimer>
 
 #include <map>
@@ -70,6 +71,10 @@ class CMainFrame : public QMainWindow {
     void BuildStatusBar();
     void BuildExtraActions();
     void OnSubWindowActivated(QMdiSubWindow* window);
+    // Makes `child` the active document window again.
+    void ActivateChild(CChildFrame* child);
+    // The shape list's context menu: its items are this frame's actions.
+    void ShowContextMenu(const QPoint& globalPos);
     void OnIdle();
 
     CZy* m_App;
@@ -80,4 +85,5 @@ class CMainFrame : public QMainWindow {
     QMenu* m_ToolbarsMenu = nullptr;
     QLabel* m_Panes[PaneCount] = {};
     QTimer m_IdleTimer;
+    QPointer<QMdiSubWindow> m_LastActive;
 };

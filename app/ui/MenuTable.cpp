@@ -1,6 +1,6 @@
 #include "app/ui/MenuTable.h"
 
-#include "app/ui/CommandIds.h"
+#include "app/doc/CommandIds.h"
 
 using namespace ZyIds;
 
@@ -132,6 +132,7 @@ std::vector<CMenuItem> buildView() {
 std::vector<CMenuItem> buildList() {
     return {
         item("Add &New Image...", AddNewImage, "Add a new image to the document"),
+        item("&Insert New Image...", InsertNewImage, "Insert a new image after the focused one"),
         item("&Duplicate", Duplicate, "Duplicate the selected images"),
         item("De&lete", Delete, "Delete the selected images"),
         separator(),
@@ -139,10 +140,17 @@ std::vector<CMenuItem> buildList() {
         item("&Hide", ListHide, "Make the selected shapes invisible on the worksheet"),
         separator(),
         submenu("&Arrange",
-                {item("Move to &Top", MoveToTop), item("Move &Up", MoveUp),
-                 item("Move &Down", MoveDown), item("Move to &Bottom", MoveToBottom), separator(),
-                 item("Align &Left", AlignLeft), item("Align &Right", AlignRight),
-                 item("Align T&op", AlignTop), item("Align Botto&m", AlignBottom), separator(),
+                {item("Bring &Forward", BringForward,
+                      "Move the selected images one place toward the start of the list"),
+                 item("Send &Back", SendBack,
+                      "Move the selected images one place toward the end of the list"),
+                 item("Bring To &Front", BringToFront,
+                      "Move the selected images to the start of the list"),
+                 item("Send To Botto&m", SendToBottom,
+                      "Move the selected images to the end of the list"),
+                 item("Move &Up Five", MoveUpFive), item("Move &Down Five", MoveDownFive),
+                 separator(), item("Align &Left", AlignLeft), item("Align &Right", AlignRight),
+                 item("Align T&op", AlignTop), item("Align Bottom", AlignBottom), separator(),
                  item("Center &Vertical", CenterVertical),
                  item("Center &Horizontal", CenterHorizontal), separator(),
                  item("Space &Across", SpaceAcross), item("Space Do&wn", SpaceDown)}),
@@ -171,13 +179,14 @@ std::vector<CMenuItem> buildImage() {
         submenu("&Adjust", {item("&Contrast/Brightness...", ContrastBrightness),
                             item("Color &Balance...", ColorBalance),
                             item("&Hue/Saturation...", HueSaturation), item("&Invert", Invert)}),
-        submenu("F&ilter",
-                {item("&Blur", Blur, "Blur selected images"), item("Blur &More", BlurMore),
-                 item("Blur &Amount...", BlurAmount), separator(), item("&Sharpen", Sharpen),
-                 item("Sharpen M&ore", SharpenMore), item("Sharpen A&mount...", SharpenAmount),
-                 separator(), item("&De-Interlace...", DeInterlace), item("C&reep...", Creep),
-                 item("Clean &Edges...", CleanEdges), item("O&utline", Outline), separator(),
-                 item("B&lend Images...", BlendImages)}),
+        submenu(
+            "F&ilter",
+            {item("&Blur", Blur, "Blur selected images"), item("Blur &More", BlurMore),
+             item("Blur &Amount...", BlurAmount), separator(), item("&Sharpen", Sharpen),
+             item("Sharpen M&ore", SharpenMore), item("Sharpen A&mount...", SharpenAmount),
+             separator(), item("&De-Interlace...", DeInterlace), item("C&reep...", Creep),
+             item("Clean &Edges...", CleanEdges), item("O&utline", Outline), separator(),
+             item("B&lend Images...", BlendImages, "Blend the selected images into a new image")}),
         submenu("A&ttenuation",
                 {item("&Pre-Attenuate", PreAttenuate), item("&Un-Attenuate", UnAttenuate)}),
         separator(),

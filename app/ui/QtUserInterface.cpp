@@ -1,6 +1,11 @@
 #include "app/ui/QtUserInterface.h"
 
+#include "app/doc/TavixImage.h"
+#include "app/ui/Clipboard.h"
 #include "app/ui/ExceptionDlg.h"
+#include "app/ui/ExchangeDlg.h"
+#include "app/ui/LayoutDlg.h"
+#include "app/ui/FieldFormDlg.h"
 #include "app/ui/MainFrame.h"
 #include "app/ui/OutputWindow.h"
 #include "app/ui/QtProgressWindow.h"
@@ -76,6 +81,8 @@ MsgAnswer answerOf(int button) {
 
 CQtUserInterface::CQtUserInterface() {
     g_qtUi = this;
+    RegisterExchangeDialogs();
+    RegisterLayoutDialogs();
 }
 
 CQtUserInterface::~CQtUserInterface() {
@@ -105,6 +112,8 @@ bool CQtUserInterface::EditDialog(CDialogData& data) {
     if (m_DialogHook)
         if (std::optional<bool> answer = m_DialogHook(data)) return *answer;
     auto it = dialogs().find(data.GetDialogName());
+    // A dialog without a window of its own is shown as a form of its fields.
+    if (it == dialogs().end() && !data.GetFields().empty()) return RunFieldForm(data, Parent());
     if (it == dialogs().end()) {
         SetStatusText(std::string("This command's dialog is not available: ") +
                       data.GetDialogName());
@@ -143,4 +152,17 @@ void CQtUserInterface::ShowExceptionDialog(const CExceptionDlgTexts& texts) {
 
 void CQtUserInterface::Log(const std::string& line) {
     OutputText(QString::fromStdString(line) + '\n');
+}
+
+void CQtUserInterface::OfferClipboardImages(const std::vector<const CTavixImage*>& images) {
+    ::OfferImagesToClipboard(images);
+}
+
+std::vector<std::string> CQtUserInterface::GetClipboardFormats() const {
+    return ClipboardImageFormats();
+}
+
+std::vector<std::unique_ptr<CTavixImage>>
+CQtUserInterface::ReadClipboardImages(const std::string& format) {
+    return ::ReadClipboardImages(format);
 }

@@ -38,6 +38,10 @@ class CQtUserInterface : public CUserInterface {
     void SetStatusText(const std::string& text) override;
     void ShowExceptionDialog(const CExceptionDlgTexts& texts) override;
     void Log(const std::string& line) override;
+    void OfferClipboardImages(const std::vector<const CTavixImage*>& images) override;
+    std::vector<std::string> GetClipboardFormats() const override;
+    std::vector<std::unique_ptr<CTavixImage>>
+    ReadClipboardImages(const std::string& format) override;
 
     // A dialog for the data named `name` (its GetDialogName()).
     static void RegisterDialog(const std::string& name, DialogRunner runner);

@@ -5,8 +5,7 @@
 #include "app/doc/UserInterface.h"
 #include "app/ui/AboutDlg.h"
 #include "app/ui/ChildFrame.h"
-#include "app/ui/CommandIds.h"
-#include "app/ui/ImageListView.h"
+#include "app/doc/CommandIds.h"
 #include "app/ui/MainFrame.h"
 #include "app/ui/OptionsSheet.h"
 #include "app/ui/OutputWindow.h"
@@ -96,8 +95,6 @@ bool CZy::InitInstance(const QStringList& files, CProfile* profile) {
     if (!BindCodec()) return false;
     m_StartTime = QDateTime::currentDateTime();
     LoadSettings(profile);
-    CImageListView::SetFileDropHandler(
-        [this](CTavixDoc*, const QStringList& paths) { OpenDroppedFiles(paths); });
 
     m_MainFrame = std::make_unique<CMainFrame>(this);
     m_Ui->SetMainFrame(m_MainFrame.get());
@@ -126,7 +123,6 @@ void CZy::ExitInstance() {
         // write on the way out.
         m_MainFrame.reset();
     }
-    CImageListView::SetFileDropHandler({});
     if (m_OwnProfile) static_cast<CQtProfile*>(m_OwnProfile.get())->Flush();
     if (ZySetUi(nullptr) != m_Ui.get()) ZySetUi(nullptr);
     ZySetProfile(nullptr);
@@ -169,11 +165,6 @@ CChildFrame* CZy::OpenDocumentFile(const QString& path) {
     if (!doc->OnOpenDocument(wanted.toStdString())) return nullptr;
     AddToRecentFiles(wanted);
     return AddDocumentWindow(std::move(doc));
-}
-
-void CZy::OpenDroppedFiles(const QStringList& paths) {
-    for (const QString& path : paths)
-        OpenDocumentFile(path);
 }
 
 bool CZy::CloseAllDocuments() {

@@ -70,7 +70,6 @@ class CZy : public QObject, public CCommandTarget {
     void SaveRecentFiles();
     void ShowAbout();
     void ShowPreferences();
-    void OpenDroppedFiles(const QStringList& paths);
 
     std::unique_ptr<CQtUserInterface> m_Ui;
     std::unique_ptr<CProfile> m_OwnProfile;

@@ -89,6 +89,14 @@ double module_value_real(const ModuleInstance* instance, int32_t index, double f
     return v ? v->asReal() : fallback;
 }
 
+double module_value_number(const ModuleInstance* instance, int32_t index, double fallback) {
+    const ModuleValue* v = slot(instance, index);
+    if (!v) return fallback;
+    uint32_t high;
+    memcpy(&high, v->bytes + 4, sizeof high);
+    return high == 0 ? static_cast<double>(v->asInt()) : v->asReal();
+}
+
 int32_t module_value_int(const ModuleInstance* instance, const ModuleDecl& decl, int32_t index) {
     return static_cast<int32_t>(module_value_uint(instance, decl, index));
 }

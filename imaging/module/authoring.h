@@ -60,6 +60,13 @@ int32_t module_value_int(const ModuleInstance* instance, const ModuleDecl& decl,
 uint32_t module_value_uint(const ModuleInstance* instance, const ModuleDecl& decl, int32_t index);
 double module_value_real(const ModuleInstance* instance, const ModuleDecl& decl, int32_t index);
 
+// A number in slot `index` that may have been passed either way, as an
+// integer or as a real (for slots beyond the descriptor, and for integer
+// parameters that callers also pass as reals). An integer slot leaves its
+// upper four bytes zero, which no real a caller means can have (that
+// pattern is a denormal below 1e-300). `fallback` when not passed.
+double module_value_number(const ModuleInstance* instance, int32_t index, double fallback);
+
 // ---- Instances ----------------------------------------------------------
 
 // The usual open: checks that at least `minImages` entries with usable
@@ -74,8 +81,8 @@ int module_open_instance(const ModuleDecl& decl, ModuleInstance** out, int32_t i
 // The usual close: frees the instance. 0 for a null instance.
 int module_close_instance(ModuleInstance* instance);
 
-// Open of a module whose pixel work is not written yet: stores null, prints
-// one line and returns 0.
+// Open of a module that cannot run (not written yet, or not on this
+// platform): stores null, prints one line and returns 0.
 int module_unavailable(const ModuleDecl& decl, ModuleInstance** out);
 
 // True when `instance` is an open instance with at least one image.
@@ -126,3 +133,44 @@ inline uint32_t module_load_argb(const uint8_t* at) {
 inline void module_store_argb(uint8_t* at, uint32_t v) {
     memcpy(at, &v, sizeof v);
 }
+
+// ---- Entry records -----------------------------------------------------
+//
+// Each module file exports one constant entry record (declared in
+// imaging/modules/modules.h, listed in imaging/module/table.cpp). Most
+// modules describe themselves from their ModuleDecl, open the plain
+// six-word instance and close it again; these templates are those three
+// entry points, so a module writes only its query and process:
+//
+//     constexpr ModuleEntry mod_flip = module_entry<kDecl>(query, process);
+//
+// A module that keeps state in a larger instance fills the record itself
+// with its own open and close beside module_describer<kDecl>.
+
+template <const ModuleDecl& Decl> ModuleDescriptor* module_describer() {
+    return module_build_descriptor(Decl);
+}
+
+template <const ModuleDecl& Decl>
+int module_plain_open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images,
+                      int32_t valueCount, const ModuleValue* values) {
+    return module_open_instance(Decl, out, imageCount, images, valueCount, values);
+}
+
+template <const ModuleDecl& Decl>
+int module_refusing_open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t,
+                         const ModuleValue*) {
+    return module_unavailable(Decl, out);
+}
+
+// The entry of a module with the usual describe, open and close.
+template <const ModuleDecl& Decl>
+constexpr ModuleEntry module_entry(ModuleQueryFn query, ModuleProcessFn process) {
+    return {module_describer<Decl>, module_plain_open<Decl>, query, process, module_close_instance};
+}
+
+// The entry of a module that describes itself but cannot run: open
+// refuses with one line, so no caller ever reaches query or process.
+template <const ModuleDecl& Decl>
+constexpr ModuleEntry module_unavailable_entry = {
+    module_describer<Decl>, module_refusing_open<Decl>, nullptr, nullptr, module_close_instance};

@@ -13,7 +13,7 @@ namespace {
 int32_t g_current = 0;
 
 const ModuleEntry& current() {
-    return g_moduleTable[g_current];
+    return *g_moduleTable[g_current];
 }
 
 char foldAscii(char c) {
@@ -52,7 +52,7 @@ int runCurrentIntoNew(int32_t imageCount, const ImageEntry* images, int32_t valu
 
 int32_t module_count() {
     int32_t n = 0;
-    while (g_moduleTable[n].describe)
+    while (g_moduleTable[n])
         ++n;
     return n;
 }

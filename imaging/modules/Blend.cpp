@@ -1,14 +1,9 @@
 // Blend ("Composite Blend"): lays the second image over the first; the compositing operator.
-//
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// The work is in imaging/blend/blend.h; one image alone is laid over Colour.
 
+#include "imaging/blend/blend.h"
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_blend {
 
 namespace {
 
@@ -36,26 +31,14 @@ constexpr ModuleDecl kDecl = {.magic = "BLND",
                               .secondCount = 2,
                               .params = kParams};
 
+TavixInfo* query(ModuleInstance* instance, int32_t) {
+    return blend_query(instance);
+}
+
+int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    return blend_process(instance, result, pixels, rowbytes);
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_blend
+constexpr ModuleEntry mod_blend = module_entry<kDecl>(query, process);

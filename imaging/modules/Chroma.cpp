@@ -1,18 +1,23 @@
-// Chroma ("Chroma Key"): makes pixels near the key colour transparent.
+// Chroma ("Chroma Key"): makes the key colour and colours near it fully
+// transparent, for sprites drawn on a flat background colour.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values:
+// - Tolerance (0 .. 255 levels, default 16): a colour is keyed out when
+//   none of its red, green and blue differs from the key's by more.
+// - slot 1, key colour (32-bit 0xAARRGGBB, beyond the descriptor; its
+//   alpha is ignored): by default the colour of the top-left pixel.
+// Keyed colours keep red, green and blue and get alpha 0. Indexed images
+// change through their palette (an entry made transparent).
 
 #include "imaging/module/authoring.h"
+#include "imaging/modules/filter/colour.h"
+#include "imaging/modules/filter/colour_space.h"
 #include "imaging/modules/modules.h"
 
-namespace mod_chroma {
+#include <cstdlib>
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 255, 16, "Tolerance"},
 };
@@ -24,26 +29,19 @@ constexpr ModuleDecl kDecl = {.magic = "",
                               .secondCount = 1,
                               .params = kParams};
 
+auto ruleOf(const ModuleInstance* instance) {
+    int tolerance = module_value_int(instance, kDecl, 0);
+    uint32_t key = module_value_uint(instance, 1, filter::corner_colour(instance->images[0]));
+    return [=](uint32_t p) {
+        for (int c = 0; c < 3; ++c) {
+            int d = std::abs(static_cast<int>(filter::channel(p, c)) -
+                             static_cast<int>(filter::channel(key, c)));
+            if (d > tolerance) return p;
+        }
+        return p & 0x00FFFFFF;
+    };
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_chroma
+constexpr ModuleEntry mod_chroma = filter::colour_entry<kDecl, ruleOf>();

@@ -1,18 +1,18 @@
-// Deinterlace ("Deinterlace"): rebuilds one field of scan lines from the other.
+// Deinterlace ("Deinterlace"): drops one field of an interlaced picture
+// and rebuilds its lines from the other.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values: Scan Line, the field to drop: Odd (rows 1, 3, 5 ... counting the
+// top row as 0) or Even (rows 0, 2, 4 ...). On 32-bit images each dropped
+// row becomes the average of the rows above and below (the one neighbour at
+// the top or bottom edge); indexed images repeat the row above, since
+// indices cannot be averaged. A one-row image stays as it is.
 
+#include "imaging/geometry/canvas.h"
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
 
-namespace mod_deinterlace {
-
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamChoice, 0, 1, 0, "Scan Line", "Odd,Even"},
 };
@@ -23,26 +23,18 @@ constexpr ModuleDecl kDecl = {.magic = "DINT",
                               .version = "1.00",
                               .params = kParams};
 
+TavixInfo* query(ModuleInstance* instance, int32_t) {
+    if (!module_instance_ok(instance)) return nullptr;
+    return module_copy_info(instance->images[0].info);
+}
+
+int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    if (!module_check_same_shape(kDecl, instance, result, pixels, rowbytes)) return 0;
+    return geometry::deinterlace_pixels(module_value_int(instance, kDecl, 0) != 0 ? 1 : 0,
+                                        instance->images[0],
+                                        geometry::raster_of(result, pixels, rowbytes));
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_deinterlace
+constexpr ModuleEntry mod_deinterlace = module_entry<kDecl>(query, process);

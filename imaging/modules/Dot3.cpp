@@ -1,18 +1,22 @@
-// Dot3 ("Dot3 NormalMap"): builds a DOT3 normal map from heights.
+// Dot3 ("Dot3 NormalMap"): turns a height map into a DOT3 normal map.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Heights are the luminance of each pixel (through the palette for indexed
+// images). Values: height scale, how many pixels high the full range from
+// black to white stands (1 makes gentle bumps; a larger scale steeper
+// ones); filter method, how slopes are taken: 0 central differences, 1 Sobel
+// 3 x 3, 2 Scharr 3 x 3 (smoothest), 3 forward differences (sharpest).
+// The result is 32-bit: red holds the normal's x (right), green its y (up
+// the picture), blue its z (out of it), each as (n + 1) / 2 of 255; alpha
+// is the source's. The record is marked as a DOT3 map.
 
+#include "imaging/galloc.h"
+#include "imaging/geometry/raster.h"
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_dot3 {
+#include "imaging/normalmap/normals.h"
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamReal, 0.0, 100.0, 1.0, "height scale"},
     {kParamInteger, 0, 3, 0, "filter method"},
@@ -24,26 +28,27 @@ constexpr ModuleDecl kDecl = {.magic = "DOT3",
                               .version = "1.06",
                               .params = kParams};
 
+TavixInfo* query(ModuleInstance* instance, int32_t) {
+    if (!module_instance_ok(instance)) return nullptr;
+    TavixInfo* info = module_copy_info(instance->images[0].info);
+    if (!info) return nullptr;
+    geometry::make_argb_record(info);
+    info->attributes |= kAttrDot3;
+    return info;
+}
+
+int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    if (!geometry::check_result("Dot3", instance, result, pixels, rowbytes, 4)) return 0;
+    const ImageEntry& in = instance->images[0];
+    if (result->width != in.info->width || result->height != in.info->height) {
+        gprintf("Dot3 - result differs from input in size\n");
+        return 0;
+    }
+    return normalmap::make_dot3(in, module_value_real(instance, kDecl, 0),
+                                normalmap::slope_from(module_value_int(instance, kDecl, 1)), pixels,
+                                rowbytes);
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_dot3
+constexpr ModuleEntry mod_dot3 = module_entry<kDecl>(query, process);

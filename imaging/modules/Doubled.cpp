@@ -1,18 +1,20 @@
-// Doubled ("Doubled ARGB"): reduces each channel to a bit count and widens it again.
+// Doubled ("Doubled ARGB"): shows what a colour looks like at a smaller
+// bit depth: each channel keeps only its top bits, which are then repeated
+// downward to fill eight bits again (bit doubling, as hardware widens
+// 5-bit or 4-bit channels), so white stays white and black black.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values (integers 0 .. 8, default 8): abits, rbits, gbits, bbits, the
+// bits kept of alpha, red, green and blue. 8 keeps a channel as it is;
+// 0 drops it: alpha becomes opaque (a format without alpha), a colour
+// channel 0. Indexed images change through their palette.
 
 #include "imaging/module/authoring.h"
+#include "imaging/modules/filter/colour.h"
+#include "imaging/modules/filter/colour_space.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_doubled {
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 8, 8, "abits"},
     {kParamInteger, 0, 8, 8, "rbits"},
@@ -26,26 +28,29 @@ constexpr ModuleDecl kDecl = {.magic = "DUBD",
                               .version = "1.00",
                               .params = kParams};
 
+// The level `v` reduced to its top `bits` bits and widened again.
+int widen(int v, int bits) {
+    int top = v >> (8 - bits);
+    int out = 0;
+    for (int shift = 8 - bits; shift > -bits; shift -= bits)
+        out |= shift >= 0 ? top << shift : top >> -shift;
+    return out & 0xFF;
+}
+
+auto ruleOf(const ModuleInstance* instance) {
+    filter::ChannelTables tables{};
+    const int channelOfSlot[4] = {3, 2, 1, 0};
+    for (int slot = 0; slot < 4; ++slot) {
+        int bits = std::clamp(module_value_int(instance, kDecl, slot), 0, 8);
+        int c = channelOfSlot[slot];
+        if (bits == 0)
+            tables.fill(c, [c](int) { return c == 3 ? 255 : 0; });
+        else
+            tables.fill(c, [bits](int v) { return widen(v, bits); });
+    }
+    return tables;
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_doubled
+constexpr ModuleEntry mod_doubled = filter::colour_entry<kDecl, ruleOf>();

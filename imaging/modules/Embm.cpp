@@ -1,18 +1,22 @@
-// Embm ("Embm NormalMap"): builds an environment bump map from heights.
+// Embm ("Embm NormalMap"): turns a height map into an environment-mapped
+// bump map (du, dv).
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Heights and slopes as in Dot3. du and dv are the x and y of the surface
+// normal (x right, y up the picture), stored as signed values biased by
+// 128. Values: embm type, the layout: 0 V8U8 (red du, green dv, blue 0,
+// alpha kept), 1 L6V5U5 (blue the source's luminance, alpha kept), 2
+// X8L8V8U8 (as 1, alpha opaque), 3 Q8W8V8U8 (blue the normal's z, alpha
+// opaque); height scale and filter method as in Dot3. The result is
+// 32-bit; a file format with fewer bits per channel reduces it on saving.
 
+#include "imaging/galloc.h"
+#include "imaging/geometry/raster.h"
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_embm {
+#include "imaging/normalmap/normals.h"
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 3, 0, "embm type"},
     {kParamReal, 0.0, 100.0, 1.0, "height scale"},
@@ -25,26 +29,28 @@ constexpr ModuleDecl kDecl = {.magic = "EMBM",
                               .version = "1.07",
                               .params = kParams};
 
+TavixInfo* query(ModuleInstance* instance, int32_t) {
+    if (!module_instance_ok(instance)) return nullptr;
+    TavixInfo* info = module_copy_info(instance->images[0].info);
+    if (!info) return nullptr;
+    geometry::make_argb_record(info);
+
+    return info;
+}
+
+int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    if (!geometry::check_result("Embm", instance, result, pixels, rowbytes, 4)) return 0;
+    const ImageEntry& in = instance->images[0];
+    if (result->width != in.info->width || result->height != in.info->height) {
+        gprintf("Embm - result differs from input in size\n");
+        return 0;
+    }
+    return normalmap::make_bump(in, normalmap::bump_from(module_value_int(instance, kDecl, 0)),
+                                module_value_real(instance, kDecl, 1),
+                                normalmap::slope_from(module_value_int(instance, kDecl, 2)), pixels,
+                                rowbytes);
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_embm
+constexpr ModuleEntry mod_embm = module_entry<kDecl>(query, process);

@@ -1,40 +1,30 @@
-// Erode ("Erode (Minimize)"): takes the minimum over each neighbourhood.
+// Erode ("Erode (Minimize)"): each channel of each pixel becomes the
+// minimum of that channel over the pixel's 3x3 neighbourhood
+// (ImageMagick's "-morphology Erode Square:1"): dark and transparent
+// areas grow by one pixel. Edges repeat outward. No values.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Indexed images are filtered in colour and mapped back to the nearest
+// colour of their palette.
 
 #include "imaging/module/authoring.h"
+#include "imaging/modules/filter/neighbourhood.h"
+#include "imaging/modules/filter/plane_filter.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_erode {
 
 namespace {
 
 constexpr ModuleDecl kDecl = {
     .magic = "EROD", .name = "Erode", .description = "Erode (Minimize)", .version = "1.00"};
 
+bool rank(const ModuleInstance*, filter::Plane* plane) {
+    filter::Plane from;
+    if (!filter::plane_make_like(&from, *plane)) return false;
+    filter::plane_copy(*plane, &from);
+    filter::rank3x3(from, plane, filter::Rank::Minimum);
+    filter::plane_free(&from);
+    return true;
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_erode
+constexpr ModuleEntry mod_erode = filter::plane_entry<kDecl, rank>();

@@ -7,23 +7,10 @@
 
 #include <cstring>
 
-namespace mod_fnil {
-
 namespace {
 
 constexpr ModuleDecl kDecl = {
     .magic = "FLIP", .name = "FNil", .description = "Nil", .version = "1.01"};
-
-} // namespace
-
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
-         const ModuleValue* values) {
-    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
-}
 
 TavixInfo* query(ModuleInstance* instance, int32_t) {
     if (!module_instance_ok(instance)) return nullptr;
@@ -43,8 +30,6 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
     return 1;
 }
 
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
+} // namespace
 
-} // namespace mod_fnil
+constexpr ModuleEntry mod_fnil = module_entry<kDecl>(query, process);

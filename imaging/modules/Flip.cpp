@@ -13,8 +13,6 @@
 #include <climits>
 #include <cstring>
 
-namespace mod_flip {
-
 namespace {
 
 enum : int32_t { kNone = 0, kHorizontal = 1, kVertical = 2, kBoth = 3 };
@@ -108,17 +106,6 @@ int mirrorBoth(const ImageEntry& in, uint8_t* pixels, int32_t rowbytes) {
     return 1;
 }
 
-} // namespace
-
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
-         const ModuleValue* values) {
-    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
-}
-
 TavixInfo* query(ModuleInstance* instance, int32_t) {
     if (!module_instance_ok(instance)) return nullptr;
     TavixInfo* info = module_copy_info(instance->images[0].info);
@@ -151,8 +138,6 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
     }
 }
 
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
+} // namespace
 
-} // namespace mod_flip
+constexpr ModuleEntry mod_flip = module_entry<kDecl>(query, process);

@@ -1,18 +1,16 @@
-// Grb ("Grb"): mirrors the image the way Flip does, by another route.
+// Grb ("Grb"): mirrors the pixels alone. Unlike Flip, the centre point,
+// default point and hot spots stay as they are, for pictures whose points
+// belong to the frame rather than to the drawing.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values: Direction (None, Horizontal, Vertical, Both; bit 0 mirrors
+// left-right, bit 1 top-bottom).
 
+#include "imaging/geometry/canvas.h"
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
 
-namespace mod_grb {
-
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamChoice, 0, 3, 1, "Direction", "None,Horizontal,Vertical,Both"},
 };
@@ -20,26 +18,17 @@ constexpr ModuleParamDecl kParams[] = {
 constexpr ModuleDecl kDecl = {
     .magic = "GURB", .name = "Grb", .description = "Grb", .version = "1.00", .params = kParams};
 
+TavixInfo* query(ModuleInstance* instance, int32_t) {
+    if (!module_instance_ok(instance)) return nullptr;
+    return module_copy_info(instance->images[0].info);
+}
+
+int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    if (!module_check_same_shape(kDecl, instance, result, pixels, rowbytes)) return 0;
+    return geometry::mirror_pixels(module_value_int(instance, kDecl, 0) & 3, instance->images[0],
+                                   geometry::raster_of(result, pixels, rowbytes));
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_grb
+constexpr ModuleEntry mod_grb = module_entry<kDecl>(query, process);

@@ -1,18 +1,22 @@
-// Grid ("Draw Grid"): draws a grid of lines.
+// Grid ("Draw Grid"): draws a grid of one-pixel lines, e.g. to mark the
+// cells of a font or tile sheet: every column whose x is a multiple of
+// Width and every row whose y is a multiple of Height, from the top-left
+// corner.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values:
+// - Width and Height (pixels, 1 .. 65536, default 8): the cell size;
+//   values below 1 are taken as 1.
+// - Colour (default 0xFF000000, opaque black): an 0xAARRGGBB word, or a
+//   palette index for indexed images (the low byte).
 
 #include "imaging/module/authoring.h"
+#include "imaging/modules/filter/plane_filter.h"
 #include "imaging/modules/modules.h"
 
-namespace mod_grid {
+#include <algorithm>
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 1, 65536, 8, "Width"},
     {kParamInteger, 1, 65536, 8, "Height"},
@@ -25,26 +29,17 @@ constexpr ModuleDecl kDecl = {.magic = "RECT",
                               .version = "1.00",
                               .params = kParams};
 
+bool grid(const ModuleInstance* instance, filter::Plane* plane) {
+    int32_t width = std::max(1, module_value_int(instance, kDecl, 0));
+    int32_t height = std::max(1, module_value_int(instance, kDecl, 1));
+    uint32_t colour =
+        filter::value_of_colour(instance->images[0], module_value_uint(instance, kDecl, 2));
+    for (int32_t y = 0; y < plane->height; ++y)
+        for (int32_t x = 0; x < plane->width; ++x)
+            if (x % width == 0 || y % height == 0) plane->at(x, y) = colour;
+    return true;
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_grid
+constexpr ModuleEntry mod_grid = filter::plane_entry<kDecl, grid, filter::PlaneKind::Values>();

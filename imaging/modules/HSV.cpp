@@ -1,18 +1,21 @@
-// HSV ("HSV Adjust"): adjusts saturation, brightness and value.
+// HSV ("HSV Adjust"): adjusts saturation and brightness in the
+// hue/saturation/value model.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values (integers or reals, -100 .. 100 percent, default 0):
+// - Saturation: scales saturation by (100 + Saturation) / 100: -100
+//   gives grey, 100 doubles it (held to full); greys stay grey.
+// - Brightness: adds that percentage of full level to the value
+//   (-100 gives black, 100 full brightness).
+// - Value: scales the value by (100 + Value) / 100.
+// Hue and alpha stay. Indexed images change through their palette.
 
 #include "imaging/module/authoring.h"
+#include "imaging/modules/filter/colour.h"
+#include "imaging/modules/filter/colour_space.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_hsv {
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, -100, 100, 0, "Saturation"},
     {kParamInteger, -100, 100, 0, "Brightness"},
@@ -25,26 +28,18 @@ constexpr ModuleDecl kDecl = {.magic = "FHSV",
                               .version = "1.02",
                               .params = kParams};
 
+auto ruleOf(const ModuleInstance* instance) {
+    double saturation = std::clamp(module_value_number(instance, 0, 0.0), -100.0, 100.0) / 100.0;
+    double brightness = std::clamp(module_value_number(instance, 1, 0.0), -100.0, 100.0) / 100.0;
+    double value = std::clamp(module_value_number(instance, 2, 0.0), -100.0, 100.0) / 100.0;
+    return [=](uint32_t p) {
+        filter::Hsx v = filter::to_hsv(filter::rgb_of(p));
+        v.s = v.s * (1.0 + saturation);
+        v.x = (v.x + brightness) * (1.0 + value);
+        return filter::argb_of(filter::from_hsv(v), p >> 24);
+    };
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_hsv
+constexpr ModuleEntry mod_hsv = filter::colour_entry<kDecl, ruleOf>();

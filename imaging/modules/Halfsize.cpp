@@ -33,8 +33,6 @@
 #include <cmath>
 #include <cstring>
 
-namespace mod_halfsize {
-
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
@@ -188,17 +186,6 @@ void halveGeneral(const ImageEntry& in, const Rule& rule, uint8_t* pixels, int32
     }
 }
 
-} // namespace
-
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
-         const ModuleValue* values) {
-    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
-}
-
 TavixInfo* query(ModuleInstance* instance, int32_t) {
     if (!module_instance_ok(instance)) return nullptr;
     TavixInfo* info = module_copy_info(instance->images[0].info);
@@ -244,8 +231,6 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
     return 1;
 }
 
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
+} // namespace
 
-} // namespace mod_halfsize
+constexpr ModuleEntry mod_halfsize = module_entry<kDecl>(query, process);

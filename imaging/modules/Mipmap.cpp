@@ -19,12 +19,13 @@
 #include "imaging/modules/modules.h"
 #include "imaging/modules/resample/palette.h"
 #include "imaging/modules/resample/run.h"
+#include "imaging/quant/indexed.h"
+
+#include <algorithm>
 
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-
-namespace mod_mipmap {
 
 namespace {
 
@@ -250,32 +251,34 @@ void markLevel(TavixInfo* info, const Settings& s) {
         info->attributes |= kAttrMipLevel;
 }
 
-// Until the colour quantizers are in the library, the levels of an
-// indexed source made in 32 bits go back onto the source's own palette,
-// pixel by pixel to the nearest entry; every level shares it, as a
-// quantized palette would be shared. A level 0 that is a copy of the
-// source (and not painted over) keeps the source's own indices. With the
-// quantizers in place this becomes: begin one quantizer, add every level,
-// make one palette of the source's entry count, and map each level through
-// its inverse map (or by nearest colour where it gives none).
+// The levels of an indexed source, made in 32 bits, are reduced together:
+// Wu's quantizer makes one palette from every level in the source's palette
+// format (its start colour, entry count and channel bits), and each level
+// is mapped onto it by nearest colour. Entries outside the source's range
+// keep the source's colours.
 bool reduceLevels(MipmapInstance* m, const Plan& p) {
     const TavixInfo* in = p.original;
-    bool levelZeroCopied =
-        p.s.width == in->width && p.s.height == in->height && m->count > p.s.clearLastN;
-    for (int32_t i = 0; i < m->count; ++i) {
-        TavixInfo* info = m->infos[i];
-        uint8_t* indices = nullptr;
-        if (i == 0 && levelZeroCopied) {
-            indices = static_cast<uint8_t*>(galloc(in->width * in->height));
-            for (int32_t y = 0; indices && y < in->height; ++y)
-                memcpy(indices + static_cast<ptrdiff_t>(y) * in->width, module_row(p.input, y),
-                       static_cast<size_t>(in->width));
-        } else {
-            indices = resample::argb_to_indexed(m->pixels[i], info->width, info->height, in);
-        }
-        if (!indices) return false;
-        gfree(m->pixels[i]);
-        m->pixels[i] = indices;
+    QuantIndexedSettings s;
+    s.start = std::clamp(in->startcolour, 0, 255);
+    s.count = std::min(resample::palette_size(in), 256 - s.start);
+    const int32_t bits[4] = {in->alphabits, in->redbits, in->greenbits, in->bluebits};
+    for (int c = 0; c < 4; ++c)
+        s.bits[c] = bits[c] > 0 && bits[c] < 8 ? bits[c] : 8;
+    uint32_t palette[256];
+    uint8_t used[256] = {};
+    memcpy(palette, in->colours, sizeof palette);
+    ImageEntry* levels =
+        static_cast<ImageEntry*>(galloc(m->count * static_cast<int32_t>(sizeof(ImageEntry))));
+    if (!levels) return false;
+    for (int32_t i = 0; i < m->count; ++i)
+        levels[i] = levelEntry(m, i);
+    bool ok = quant_build_palette(s, levels, m->count, palette, used) > 0;
+    gfree(levels);
+    for (int32_t i = 0; ok && i < m->count; ++i) {
+        ModuleResult made{};
+        ok = quant_make_indexed(levelEntry(m, i), palette, used, s, &made);
+        if (!ok) break;
+        TavixInfo* info = made.info;
         info->bufferbpp = in->bufferbpp;
         info->bpp = in->bpp;
         info->alphabits = in->alphabits;
@@ -283,9 +286,9 @@ bool reduceLevels(MipmapInstance* m, const Plan& p) {
         info->greenbits = in->greenbits;
         info->bluebits = in->bluebits;
         info->numcolours = in->numcolours;
-        memcpy(info->colours, in->colours, sizeof info->colours);
+        replaceLevel(m, i, made);
     }
-    return true;
+    return ok;
 }
 
 bool makeChain(MipmapInstance* m, const Plan& p, int32_t n) {
@@ -313,18 +316,12 @@ bool makeChain(MipmapInstance* m, const Plan& p, int32_t n) {
     return true;
 }
 
-} // namespace
-
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
 // Indexed sources: Method 2 is taken as Method 1. Methods that filter with
 // Size (3, and likewise every method other than 0 and 1) first expand the
 // source to 32 bits, make every level there and then reduce them together
 // to the source's palette format.
-int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
-         const ModuleValue* values) {
+int openInstance(ModuleInstance** out, int32_t imageCount, const ImageEntry* images,
+                 int32_t valueCount, const ModuleValue* values) {
     if (!module_open_instance(kDecl, out, imageCount, images, valueCount, values, 1,
                               static_cast<int32_t>(sizeof(MipmapInstance))))
         return 0;
@@ -382,10 +379,16 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
     return 1;
 }
 
-int close(ModuleInstance* instance) {
+int closeInstance(ModuleInstance* instance) {
     if (!instance) return 0;
     freeLevels(reinterpret_cast<MipmapInstance*>(instance));
     return module_close_instance(instance);
 }
 
-} // namespace mod_mipmap
+} // namespace
+
+constexpr ModuleEntry mod_mipmap = {.describe = module_describer<kDecl>,
+                                    .open = openInstance,
+                                    .query = query,
+                                    .process = process,
+                                    .close = closeInstance};

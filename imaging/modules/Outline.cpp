@@ -1,18 +1,25 @@
-// Outline ("Outline Image"): draws an outline around the content.
+// Outline ("Outline Image"): draws an outline around the content of a
+// sprite: every background pixel within Width pixels across and Height
+// pixels down of a content pixel takes the colour. Background is the
+// transparent colours, or, in an image without any transparent pixel, the
+// colour of the top-left pixel.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values:
+// - Width and Height (pixels, 1 .. 256, default 1): the thickness of the
+//   outline across and down; 0 draws nothing in that direction.
+// - Colour (default 0xFF000000, opaque black): an 0xAARRGGBB word, or a
+//   palette index for indexed images (the low byte).
 
 #include "imaging/module/authoring.h"
+#include "imaging/modules/filter/plane_filter.h"
 #include "imaging/modules/modules.h"
 
-namespace mod_outline {
+#include "imaging/galloc.h"
+
+#include <algorithm>
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 1, 256, 1, "Width"},
     {kParamInteger, 1, 256, 1, "Height"},
@@ -25,26 +32,54 @@ constexpr ModuleDecl kDecl = {.magic = "OUTL",
                               .version = "1.01",
                               .params = kParams};
 
+constexpr int32_t kMaxThickness = 256;
+
+// Marks with 1 every pixel that has a content pixel at most `reach` pixels
+// away along the line of `count` words (starting at `first`, `stride`
+// words apart). `content` holds 1 for content; `mark` receives the result.
+void spread(const uint8_t* content, uint8_t* mark, int32_t count, int64_t first, int64_t stride,
+            int32_t reach) {
+    // Distance to the nearest content at or before, then at or after.
+    int32_t last = -1 - reach;
+    for (int32_t i = 0; i < count; ++i) {
+        if (content[first + i * stride]) last = i;
+        mark[first + i * stride] = i - last <= reach;
+    }
+    last = count + reach;
+    for (int32_t i = count - 1; i >= 0; --i) {
+        if (content[first + i * stride]) last = i;
+        if (last - i <= reach) mark[first + i * stride] = 1;
+    }
+}
+
+bool outline(const ModuleInstance* instance, filter::Plane* plane) {
+    const ImageEntry& in = instance->images[0];
+    int32_t across = std::clamp(module_value_int(instance, kDecl, 0), 0, kMaxThickness);
+    int32_t down = std::clamp(module_value_int(instance, kDecl, 1), 0, kMaxThickness);
+    uint32_t colour = filter::value_of_colour(in, module_value_uint(instance, kDecl, 2));
+    filter::Background background =
+        filter::plane_background(*plane, in.info->bufferbpp <= 8 ? in.info : nullptr);
+    int64_t n = plane->count();
+    auto* content = static_cast<uint8_t*>(galloc(static_cast<int32_t>(n)));
+    auto* wide = static_cast<uint8_t*>(galloc(static_cast<int32_t>(n)));
+    auto* grown = static_cast<uint8_t*>(galloc(static_cast<int32_t>(n)));
+    bool ok = content && wide && grown;
+    if (ok) {
+        for (int64_t i = 0; i < n; ++i)
+            content[i] = !background.is(plane->words[i]);
+        for (int32_t y = 0; y < plane->height; ++y)
+            spread(content, wide, plane->width, static_cast<int64_t>(y) * plane->width, 1, across);
+        for (int32_t x = 0; x < plane->width; ++x)
+            spread(wide, grown, plane->height, x, plane->width, down);
+        for (int64_t i = 0; i < n; ++i)
+            if (grown[i] && !content[i]) plane->words[i] = colour;
+    }
+    for (uint8_t* block : {content, wide, grown})
+        if (block) gfree(block);
+    return ok;
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_outline
+constexpr ModuleEntry mod_outline =
+    filter::plane_entry<kDecl, outline, filter::PlaneKind::Values>();

@@ -1,18 +1,23 @@
-// PalSort ("Palette Sort"): sorts the palette by a key and remaps the indices to match.
+// PalSort ("Palette Sort"): sorts an indexed image's palette and
+// renumbers its pixels so the picture stays exactly as it was.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values: Method, the order: Count (most used colours first), ARGB (by
+// the colour word, smallest first), HVS (by hue, then brightness, then
+// saturation), WHVS (greys first, darkest to lightest, then the colours as
+// HVS), ICOUNT (least used first), YUV (by luma, then the blue and red
+// differences); ties keep their old order. ForceBlack (No, Yes): put black
+// at index 0; a palette without black gives up an unused entry for it, or,
+// when every entry is used, puts its darkest colour there. Only the
+// entries the palette holds move. 32-bit images pass unchanged.
 
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
+#include "imaging/palsort/sort.h"
 
-namespace mod_palsort {
+#include <cstring>
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamChoice, 0, 5, 0, "Method", "Count,ARGB,HVS,WHVS,ICOUNT,YUV"},
     {kParamChoice, 0, 1, 0, "ForceBlack", "No,Yes"},
@@ -24,26 +29,38 @@ constexpr ModuleDecl kDecl = {.magic = "PSRT",
                               .version = "1.08",
                               .params = kParams};
 
+palsort::Request request(const ModuleInstance* instance) {
+    return {palsort::key_from(module_value_int(instance, kDecl, 0)),
+            module_value_int(instance, kDecl, 1) != 0, false};
+}
+
+TavixInfo* query(ModuleInstance* instance, int32_t) {
+    if (!module_instance_ok(instance)) return nullptr;
+    const ImageEntry& in = instance->images[0];
+    TavixInfo* info = module_copy_info(in.info);
+    if (!info || module_pixel_bytes(in.info) != 1 || !in.pixels) return info;
+    uint8_t order[256];
+    palsort::sort_order(in, request(instance), order);
+    palsort::apply_to_palette(in, request(instance), order, info);
+    return info;
+}
+
+// 32-bit images have no palette to sort: their pixels are copied.
+int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    if (!module_check_same_shape(kDecl, instance, result, pixels, rowbytes)) return 0;
+    const ImageEntry& in = instance->images[0];
+    if (module_pixel_bytes(in.info) == 1) {
+        uint8_t order[256];
+        palsort::sort_order(in, request(instance), order);
+        palsort::renumber(in, order, pixels, rowbytes);
+    } else if (in.pixels != pixels) {
+        for (int32_t y = 0; y < in.info->height; ++y)
+            memmove(module_row(pixels, rowbytes, y), module_row(in, y),
+                    static_cast<size_t>(module_row_length(in.info)));
+    }
+    return 1;
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_palsort
+constexpr ModuleEntry mod_palsort = module_entry<kDecl>(query, process);

@@ -45,8 +45,6 @@
 #include <cstdio>
 #include <cstring>
 
-namespace mod_pixel {
-
 namespace {
 
 enum Slot : int32_t { kHandle = 0, kAlpha, kRed, kGreen, kBlue, kIndex, kX, kY, kSlotCount };
@@ -258,14 +256,10 @@ void rewritePalette(PixelInstance* pixel, TavixInfo* result) {
     }
 }
 
-} // namespace
+int closeInstance(ModuleInstance* instance);
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
-         const ModuleValue* values) {
+int openInstance(ModuleInstance** out, int32_t imageCount, const ImageEntry* images,
+                 int32_t valueCount, const ModuleValue* values) {
     if (!module_open_instance(kDecl, out, imageCount, images, valueCount, values, 1,
                               static_cast<int32_t>(sizeof(PixelInstance))))
         return 0;
@@ -285,7 +279,7 @@ int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int
                          static_cast<double>(reinterpret_cast<uintptr_t>(images[0].pixels)));
     ok = ok && compilePrograms(pixel);
     if (!ok) {
-        close(*out);
+        closeInstance(*out);
         *out = nullptr;
         return 0;
     }
@@ -327,7 +321,7 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
     return 1;
 }
 
-int close(ModuleInstance* instance) {
+int closeInstance(ModuleInstance* instance) {
     auto* pixel = reinterpret_cast<PixelInstance*>(instance);
     if (pixel) {
         freePrograms(pixel);
@@ -337,4 +331,10 @@ int close(ModuleInstance* instance) {
     return module_close_instance(instance);
 }
 
-} // namespace mod_pixel
+} // namespace
+
+constexpr ModuleEntry mod_pixel = {.describe = module_describer<kDecl>,
+                                   .open = openInstance,
+                                   .query = query,
+                                   .process = process,
+                                   .close = closeInstance};

@@ -1,18 +1,19 @@
-// Preten ("Preattenuate ARGB"): multiplies the colour by alpha, or divides it out again.
+// Preten ("Preattenuate ARGB"): multiplies red, green and blue by alpha
+// (pre-multiplied alpha, as blending hardware wants it), or divides alpha
+// out again.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Value: method (default 0): 0 "preattenuate": level x alpha / 255;
+// 1 "unattenuate": level x 255 / alpha, held to 255 (a fully transparent
+// colour keeps its levels: nothing can be recovered from it). Both round
+// to nearest; alpha stays. Indexed images change through their palette.
 
 #include "imaging/module/authoring.h"
+#include "imaging/modules/filter/colour.h"
+#include "imaging/modules/filter/colour_space.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_preten {
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamChoice, 0, 1, 0, "method", "preattenuate,unattenuate"},
 };
@@ -23,26 +24,27 @@ constexpr ModuleDecl kDecl = {.magic = "ATEN",
                               .version = "1.00",
                               .params = kParams};
 
+uint32_t attenuate(uint32_t p) {
+    uint32_t a = p >> 24;
+    uint32_t out = p & 0xFF000000;
+    for (int c = 0; c < 3; ++c)
+        out |= ((filter::channel(p, c) * a + 127) / 255) << (8 * c);
+    return out;
+}
+
+uint32_t unattenuate(uint32_t p) {
+    uint32_t a = p >> 24;
+    if (a == 0) return p;
+    uint32_t out = p & 0xFF000000;
+    for (int c = 0; c < 3; ++c)
+        out |= std::min<uint32_t>(255, (filter::channel(p, c) * 255 + a / 2) / a) << (8 * c);
+    return out;
+}
+
+auto ruleOf(const ModuleInstance* instance) {
+    return module_value_int(instance, kDecl, 0) == 1 ? unattenuate : attenuate;
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_preten
+constexpr ModuleEntry mod_preten = filter::colour_entry<kDecl, ruleOf>();

@@ -12,8 +12,6 @@
 #include <algorithm>
 #include <cstring>
 
-namespace mod_rect {
-
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
@@ -46,17 +44,6 @@ void copyRows(const ImageEntry& in, uint8_t* pixels, int32_t rowbytes) {
         memmove(module_row(pixels, rowbytes, y), module_row(in, y), length);
 }
 
-} // namespace
-
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
-         const ModuleValue* values) {
-    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
-}
-
 TavixInfo* query(ModuleInstance* instance, int32_t) {
     if (!module_instance_ok(instance)) return nullptr;
     return module_copy_info(instance->images[0].info);
@@ -86,8 +73,6 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
     return 1;
 }
 
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
+} // namespace
 
-} // namespace mod_rect
+constexpr ModuleEntry mod_rect = module_entry<kDecl>(query, process);

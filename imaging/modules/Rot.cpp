@@ -1,14 +1,15 @@
-// Rot ("Rotate"): turns the image by a multiple of 90 degrees.
+// Rot ("Rotate"): turns the image by quarter turns, moving the centre
+// point and hot spots with the pixels.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values: Rot, the angle code: 1 clockwise, 2 half a turn, 3 or -1
+// counter-clockwise, 0 none; any integer counts quarter turns clockwise.
+// The default point (the image's place on the worksheet) moves so that the
+// centre point keeps its place. Indexed images move their indices.
 
+#include "imaging/galloc.h"
+#include "imaging/geometry/quarter.h"
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_rot {
 
 namespace {
 
@@ -16,7 +17,6 @@ namespace {
 // and a switch; with the switch set the result's centre point is computed
 // against that width and height instead of the image's own.
 //
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamChoice, 0, 3, 1, "Rot", "0,90,180,-90"},
 };
@@ -24,26 +24,32 @@ constexpr ModuleParamDecl kParams[] = {
 constexpr ModuleDecl kDecl = {
     .magic = "FROT", .name = "Rot", .description = "Rotate", .version = "1.00", .params = kParams};
 
+geometry::Turn turn(const ModuleInstance* instance) {
+    return geometry::turn_from_code(module_value_int(instance, kDecl, 0));
+}
+
+TavixInfo* query(ModuleInstance* instance, int32_t) {
+    if (!module_instance_ok(instance)) return nullptr;
+    TavixInfo* info = module_copy_info(instance->images[0].info);
+    if (!info) return nullptr;
+    bool framed = instance->valueCount >= 4 && module_value_int(instance, 3, 0) != 0;
+    geometry::turn_record(turn(instance), info, framed ? module_value_int(instance, 1, 0) : 0,
+                          framed ? module_value_int(instance, 2, 0) : 0);
+    return info;
+}
+
+int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    if (!module_check_resized(kDecl, instance, result, pixels, rowbytes)) return 0;
+    const ImageEntry& in = instance->images[0];
+    int32_t width, height;
+    geometry::turned_size(turn(instance), in.info->width, in.info->height, &width, &height);
+    if (result->width != width || result->height != height) {
+        gprintf("Rot - result is not %d x %d\n", width, height);
+        return 0;
+    }
+    return geometry::turn_pixels(turn(instance), in, geometry::raster_of(result, pixels, rowbytes));
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_rot
+constexpr ModuleEntry mod_rot = module_entry<kDecl>(query, process);

@@ -15,8 +15,6 @@
 #include "imaging/modules/resample/geometry.h"
 #include "imaging/modules/resample/nearest.h"
 
-namespace mod_scale {
-
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
@@ -51,17 +49,6 @@ void resultSize(const ModuleInstance* instance, int32_t* width, int32_t* height)
                    module_value_int(instance, kReferenceHeight, 0), relative);
 }
 
-} // namespace
-
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
-         const ModuleValue* values) {
-    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
-}
-
 TavixInfo* query(ModuleInstance* instance, int32_t) {
     if (!module_instance_ok(instance)) return nullptr;
     const TavixInfo* in = instance->images[0].info;
@@ -84,8 +71,6 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
                : 0;
 }
 
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
+} // namespace
 
-} // namespace mod_scale
+constexpr ModuleEntry mod_scale = module_entry<kDecl>(query, process);

@@ -1,18 +1,20 @@
-// Screen ("Screen Mask"): masks the image with a screen pattern.
+// Screen ("Screen Mask"): lays a screen of lines over the image, like the
+// dark lines of an interlaced television picture: every second row (or
+// column) is painted in the screen colour, starting with the second.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values:
+// - screen colour (default 0): an 0xAARRGGBB word, or a palette index
+//   for indexed images (the low byte).
+// - orientation (default 0): 0 paints rows, 1 columns.
 
 #include "imaging/module/authoring.h"
+#include "imaging/modules/filter/plane_filter.h"
 #include "imaging/modules/modules.h"
 
-namespace mod_screen {
+#include <algorithm>
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamColour, 0, 0xFFFFFFFF, 0, "screen colour"},
     {kParamInteger, 0, 1, 0, "orientation"},
@@ -24,26 +26,16 @@ constexpr ModuleDecl kDecl = {.magic = "SCRN",
                               .version = "1.00",
                               .params = kParams};
 
+bool screen(const ModuleInstance* instance, filter::Plane* plane) {
+    uint32_t colour =
+        filter::value_of_colour(instance->images[0], module_value_uint(instance, kDecl, 0));
+    bool columns = module_value_int(instance, kDecl, 1) == 1;
+    for (int32_t y = 0; y < plane->height; ++y)
+        for (int32_t x = 0; x < plane->width; ++x)
+            if ((columns ? x : y) % 2 == 1) plane->at(x, y) = colour;
+    return true;
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_screen
+constexpr ModuleEntry mod_screen = filter::plane_entry<kDecl, screen, filter::PlaneKind::Values>();

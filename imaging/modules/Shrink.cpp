@@ -20,8 +20,6 @@
 
 #include <cstring>
 
-namespace mod_shrink {
-
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
@@ -74,17 +72,6 @@ bool inputUsable(const ImageEntry& in) {
     return in.pixels && in.rowbytes >= module_row_length(in.info);
 }
 
-} // namespace
-
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
-         const ModuleValue* values) {
-    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
-}
-
 TavixInfo* query(ModuleInstance* instance, int32_t) {
     if (!module_instance_ok(instance) || !inputUsable(instance->images[0])) return nullptr;
     TavixInfo* info = module_copy_info(instance->images[0].info);
@@ -126,8 +113,6 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
     return 1;
 }
 
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
+} // namespace
 
-} // namespace mod_shrink
+constexpr ModuleEntry mod_shrink = module_entry<kDecl>(query, process);

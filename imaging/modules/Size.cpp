@@ -16,8 +16,6 @@
 #include "imaging/modules/resample/geometry.h"
 #include "imaging/modules/resample/resampler.h"
 
-namespace mod_size {
-
 namespace {
 
 // The nine value slots that callers who know the module pass, in order.
@@ -70,17 +68,6 @@ bool isArgb(const TavixInfo* info) {
     return info && info->bufferbpp > 8;
 }
 
-} // namespace
-
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
-         const ModuleValue* values) {
-    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
-}
-
 // Hot spots are truncated toward zero, the centre and default points
 // rounded half up: that is how the points were always moved, and shape
 // files made with them depend on it.
@@ -127,8 +114,6 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
     return 1;
 }
 
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
+} // namespace
 
-} // namespace mod_size
+constexpr ModuleEntry mod_size = module_entry<kDecl>(query, process);

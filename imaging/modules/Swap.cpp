@@ -1,18 +1,17 @@
-// Swap ("Swap Colours"): exchanges two colours.
+// Swap ("Swap Colours"): exchanges two colours: every pixel (or palette
+// entry) of exactly Colour1 becomes Colour2 and every one of Colour2
+// becomes Colour1. Colours are whole 0xAARRGGBB words, alpha included.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values: Colour1, Colour2 (default 0). Indexed images change through
+// their palette.
 
 #include "imaging/module/authoring.h"
+#include "imaging/modules/filter/colour.h"
+#include "imaging/modules/filter/colour_space.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_swap {
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamColour, 0, 0xFFFFFFFF, 0, "Colour1"},
     {kParamColour, 0, 0xFFFFFFFF, 0, "Colour2"},
@@ -24,26 +23,12 @@ constexpr ModuleDecl kDecl = {.magic = "SWAP",
                               .version = "1.00",
                               .params = kParams};
 
+auto ruleOf(const ModuleInstance* instance) {
+    uint32_t one = module_value_uint(instance, kDecl, 0),
+             two = module_value_uint(instance, kDecl, 1);
+    return [=](uint32_t p) { return p == one ? two : (p == two ? one : p); };
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_swap
+constexpr ModuleEntry mod_swap = filter::colour_entry<kDecl, ruleOf>();

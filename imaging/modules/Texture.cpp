@@ -1,18 +1,24 @@
-// Texture ("Texture Map"): maps the image onto a polygon.
+// Texture ("Texture Map"): maps the picture onto a polygon, as a game
+// engine draws a textured polygon.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values: NumVertices, then four values per vertex from the second slot
+// on: x and y of the vertex in the result, u and v of the point of the
+// source it shows (all in pixels). The polygon is drawn as a fan of
+// triangles from the first vertex, each mapped linearly; what it does not
+// cover is transparent (index 0 on indexed images). Vertices for which no
+// values were passed are left out; with fewer than three the picture is
+// copied. The result has the source's size; 32-bit images are sampled
+// bilinearly, indexed ones take the nearest pixel.
 
+#include "imaging/geometry/warp.h"
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
 
-namespace mod_texture {
+#include <algorithm>
+#include <vector>
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 65536, 0, "NumVertices"},
     {kParamInteger, kIntMin, kIntMax, 0, "Vertices"},
@@ -24,26 +30,28 @@ constexpr ModuleDecl kDecl = {.magic = "FTEX",
                               .version = "1.00",
                               .params = kParams};
 
+constexpr int32_t kVertexValues = 4;
+
+TavixInfo* query(ModuleInstance* instance, int32_t) {
+    if (!module_instance_ok(instance)) return nullptr;
+    return module_copy_info(instance->images[0].info);
+}
+
+int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    if (!module_check_same_shape(kDecl, instance, result, pixels, rowbytes)) return 0;
+    int32_t given = std::max(0, (instance->valueCount - 1) / kVertexValues);
+    int32_t count = std::clamp(module_value_int(instance, kDecl, 0), 0, given);
+    std::vector<geometry::Vertex> vertices(static_cast<size_t>(count));
+    for (int32_t i = 0; i < count; ++i) {
+        auto v = [&](int32_t k) {
+            return double(module_value_int(instance, 1 + i * kVertexValues + k, 0));
+        };
+        vertices[static_cast<size_t>(i)] = {v(0), v(1), v(2), v(3)};
+    }
+    return geometry::texture_map(instance->images[0], geometry::raster_of(result, pixels, rowbytes),
+                                 vertices.data(), count);
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_texture
+constexpr ModuleEntry mod_texture = module_entry<kDecl>(query, process);

@@ -1,18 +1,21 @@
-// UnDot3 ("UnDot3 NormalMap to height"): turns a DOT3 normal map back into heights.
+// UnDot3 ("UnDot3 NormalMap to height"): rebuilds a grey height map from a
+// DOT3 normal map (red x, green y up the picture, blue z).
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values: mode, how slopes are integrated: 0 smoothest (row and column
+// integrals averaged, then relaxed towards the heights that fit every
+// slope best), 1 the average of integrating along rows and along columns,
+// 2 along rows only, 3 along columns only. The heights are stretched to
+// the full grey range (a flat map gives mid grey); alpha is kept. The
+// result is 32-bit and no longer marked as a DOT3 map.
 
+#include "imaging/galloc.h"
+#include "imaging/geometry/raster.h"
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_undot3 {
+#include "imaging/normalmap/normals.h"
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 3, 0, "mode"},
 };
@@ -23,26 +26,27 @@ constexpr ModuleDecl kDecl = {.magic = "UDOT",
                               .version = "1.00",
                               .params = kParams};
 
+TavixInfo* query(ModuleInstance* instance, int32_t) {
+    if (!module_instance_ok(instance)) return nullptr;
+    TavixInfo* info = module_copy_info(instance->images[0].info);
+    if (!info) return nullptr;
+    geometry::make_argb_record(info);
+    info->attributes &= ~static_cast<uint32_t>(kAttrDot3);
+    return info;
+}
+
+int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    if (!geometry::check_result("UnDot3", instance, result, pixels, rowbytes, 4)) return 0;
+    const ImageEntry& in = instance->images[0];
+    if (result->width != in.info->width || result->height != in.info->height) {
+        gprintf("UnDot3 - result differs from input in size\n");
+        return 0;
+    }
+    return normalmap::heights_from_normals(
+        in, true, normalmap::integrate_from(module_value_int(instance, kDecl, 0)), pixels,
+        rowbytes);
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_undot3
+constexpr ModuleEntry mod_undot3 = module_entry<kDecl>(query, process);

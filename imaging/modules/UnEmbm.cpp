@@ -1,18 +1,17 @@
-// UnEmbm ("UnEmbm Image"): turns a bump map back into heights.
+// UnEmbm ("UnEmbm Image"): rebuilds a grey height map from a bump map
+// made by Embm (red du, green dv; any layout).
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values: mode, how slopes are integrated, as UnDot3's mode. The normal's
+// z is made from du and dv, so the blue channel may hold anything.
 
+#include "imaging/galloc.h"
+#include "imaging/geometry/raster.h"
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_unembm {
+#include "imaging/normalmap/normals.h"
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, 0, 3, 0, "mode"},
 };
@@ -23,26 +22,27 @@ constexpr ModuleDecl kDecl = {.magic = "EMBM",
                               .version = "1.01",
                               .params = kParams};
 
+TavixInfo* query(ModuleInstance* instance, int32_t) {
+    if (!module_instance_ok(instance)) return nullptr;
+    TavixInfo* info = module_copy_info(instance->images[0].info);
+    if (!info) return nullptr;
+    geometry::make_argb_record(info);
+
+    return info;
+}
+
+int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    if (!geometry::check_result("UnEmbm", instance, result, pixels, rowbytes, 4)) return 0;
+    const ImageEntry& in = instance->images[0];
+    if (result->width != in.info->width || result->height != in.info->height) {
+        gprintf("UnEmbm - result differs from input in size\n");
+        return 0;
+    }
+    return normalmap::heights_from_normals(
+        in, false, normalmap::integrate_from(module_value_int(instance, kDecl, 0)), pixels,
+        rowbytes);
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_unembm
+constexpr ModuleEntry mod_unembm = module_entry<kDecl>(query, process);

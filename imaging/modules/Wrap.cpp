@@ -1,20 +1,19 @@
-// Wrap ("Wrap Image"): scrolls the image with wrap-around.
+// Wrap ("Wrap Image"): scrolls the picture with wrap-around, as for
+// checking that a texture tiles.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values: X and Y, the shift right and down in pixels; any value of the
+// full signed range is taken (negative scrolls left or up). The centre
+// point and hot spots stay where they are: they mark places of the sprite,
+// not of the scrolled texture.
 
+#include "imaging/geometry/canvas.h"
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_wrap {
 
 namespace {
 
 // X and Y take the full signed 32-bit range: any offset wraps around.
 //
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamInteger, kIntMin, kIntMax, 0, "X"},
     {kParamInteger, kIntMin, kIntMax, 0, "Y"},
@@ -26,26 +25,18 @@ constexpr ModuleDecl kDecl = {.magic = "WRAP",
                               .version = "1.01",
                               .params = kParams};
 
+TavixInfo* query(ModuleInstance* instance, int32_t) {
+    if (!module_instance_ok(instance)) return nullptr;
+    return module_copy_info(instance->images[0].info);
+}
+
+int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    if (!module_check_same_shape(kDecl, instance, result, pixels, rowbytes)) return 0;
+    return geometry::wrap_pixels(module_value_int(instance, kDecl, 0),
+                                 module_value_int(instance, kDecl, 1), instance->images[0],
+                                 geometry::raster_of(result, pixels, rowbytes));
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_wrap
+constexpr ModuleEntry mod_wrap = module_entry<kDecl>(query, process);

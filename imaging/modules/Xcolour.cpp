@@ -7,8 +7,6 @@
 
 #include <cstring>
 
-namespace mod_xcolour {
-
 namespace {
 
 constexpr ModuleParamDecl kParams[] = {
@@ -54,17 +52,6 @@ void applyToPalette(const Rule& rule, TavixInfo* info) {
     }
 }
 
-} // namespace
-
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
-         const ModuleValue* values) {
-    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
-}
-
 TavixInfo* query(ModuleInstance* instance, int32_t) {
     if (!module_instance_ok(instance)) return nullptr;
     TavixInfo* info = module_copy_info(instance->images[0].info);
@@ -89,8 +76,6 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
     return 1;
 }
 
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
+} // namespace
 
-} // namespace mod_xcolour
+constexpr ModuleEntry mod_xcolour = module_entry<kDecl>(query, process);

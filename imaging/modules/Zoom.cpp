@@ -23,8 +23,6 @@
 #include <cmath>
 #include <cstring>
 
-namespace mod_zoom {
-
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
@@ -242,17 +240,6 @@ int32_t atLeastOne(int32_t v) {
     return v < 1 ? 1 : v;
 }
 
-} // namespace
-
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
-         const ModuleValue* values) {
-    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
-}
-
 TavixInfo* query(ModuleInstance* instance, int32_t) {
     if (!module_instance_ok(instance)) return nullptr;
     const TavixInfo* in = instance->images[0].info;
@@ -276,8 +263,6 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
     return ok ? 1 : 0;
 }
 
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
+} // namespace
 
-} // namespace mod_zoom
+constexpr ModuleEntry mod_zoom = module_entry<kDecl>(query, process);

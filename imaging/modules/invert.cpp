@@ -1,18 +1,17 @@
-// invert ("Invert ARGB"): inverts the channels chosen by the mask.
+// invert ("Invert ARGB"): inverts the channels chosen by the mask, as a
+// photographic negative does.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Value: mask (32-bit word, default 0x00FFFFFF): every bit set in it is
+// flipped in each colour, so the default inverts red, green and blue and
+// keeps alpha; 0xFFFFFFFF inverts alpha too, 0x00FF0000 red alone.
+// Indexed images change through their palette.
 
 #include "imaging/module/authoring.h"
+#include "imaging/modules/filter/colour.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_invert {
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamMask, 0, 0xFFFFFFFF, 0x00FFFFFF, "mask"},
 };
@@ -23,26 +22,11 @@ constexpr ModuleDecl kDecl = {.magic = "FINV",
                               .version = "1.01",
                               .params = kParams};
 
+auto ruleOf(const ModuleInstance* instance) {
+    uint32_t mask = module_value_uint(instance, kDecl, 0);
+    return [mask](uint32_t p) { return p ^ mask; };
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_invert
+constexpr ModuleEntry mod_invert = filter::colour_entry<kDecl, ruleOf>();

@@ -20,8 +20,6 @@
 
 #include <cstring>
 
-namespace mod_mipmont {
-
 namespace {
 
 // Types, ranges and defaults a generic parameter dialog offers.
@@ -102,17 +100,6 @@ bool montage(const ImageEntry& base, bool below, uint8_t* pixels, int32_t rowbyt
     return ok;
 }
 
-} // namespace
-
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images, int32_t valueCount,
-         const ModuleValue* values) {
-    return module_open_instance(kDecl, out, imageCount, images, valueCount, values);
-}
-
 TavixInfo* query(ModuleInstance* instance, int32_t) {
     if (!module_instance_ok(instance)) return nullptr;
     TavixInfo* info = module_copy_info(instance->images[0].info);
@@ -150,8 +137,6 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
     return !montable || montage(base, vbt, out, rowbytes) ? 1 : 0;
 }
 
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
+} // namespace
 
-} // namespace mod_mipmont
+constexpr ModuleEntry mod_mipmont = module_entry<kDecl>(query, process);

@@ -1,90 +1,76 @@
 #pragma once
-// The entry points of every module, one namespace per module, in table
-// order. Each module file defines the five functions of its namespace.
+// The entry record of every module, in table order. Each module file
+// defines its own as a constant; imaging/module/table.cpp lists them.
 
 #include "imaging/module/module.h"
 
-// Declares the five entry points of one module.
-#define ZY_MODULE_ENTRY_POINTS(ns)                                                                 \
-    namespace ns {                                                                                 \
-    ModuleDescriptor* describe();                                                                  \
-    int open(ModuleInstance** out, int32_t imageCount, const ImageEntry* images,                   \
-             int32_t valueCount, const ModuleValue* values);                                       \
-    TavixInfo* query(ModuleInstance* instance, int32_t index);                                     \
-    int process(ModuleInstance* instance, const TavixInfo* result, void* pixels,                   \
-                int32_t rowbytes);                                                                 \
-    int close(ModuleInstance* instance);                                                           \
-    }
-
-ZY_MODULE_ENTRY_POINTS(mod_fnil)
-ZY_MODULE_ENTRY_POINTS(mod_fyi)
-ZY_MODULE_ENTRY_POINTS(mod_acenter)
-ZY_MODULE_ENTRY_POINTS(mod_alphacomment)
-ZY_MODULE_ENTRY_POINTS(mod_acopy)
-ZY_MODULE_ENTRY_POINTS(mod_blend)
-ZY_MODULE_ENTRY_POINTS(mod_psnr)
-ZY_MODULE_ENTRY_POINTS(mod_blur)
-ZY_MODULE_ENTRY_POINTS(mod_fchanmap)
-ZY_MODULE_ENTRY_POINTS(mod_chroma)
-ZY_MODULE_ENTRY_POINTS(mod_colbal)
-ZY_MODULE_ENTRY_POINTS(mod_contrast)
-ZY_MODULE_ENTRY_POINTS(mod_creep)
-ZY_MODULE_ENTRY_POINTS(mod_crop)
-ZY_MODULE_ENTRY_POINTS(mod_csmap)
-ZY_MODULE_ENTRY_POINTS(mod_deband)
-ZY_MODULE_ENTRY_POINTS(mod_deinterlace)
-ZY_MODULE_ENTRY_POINTS(mod_dilate)
-ZY_MODULE_ENTRY_POINTS(mod_doubled)
-ZY_MODULE_ENTRY_POINTS(mod_edge)
-ZY_MODULE_ENTRY_POINTS(mod_erode)
-ZY_MODULE_ENTRY_POINTS(mod_equalize)
-ZY_MODULE_ENTRY_POINTS(mod_fill)
-ZY_MODULE_ENTRY_POINTS(mod_halfsize)
-ZY_MODULE_ENTRY_POINTS(mod_outline)
-ZY_MODULE_ENTRY_POINTS(mod_flip)
-ZY_MODULE_ENTRY_POINTS(mod_gamma)
-ZY_MODULE_ENTRY_POINTS(mod_grb)
-ZY_MODULE_ENTRY_POINTS(mod_grey)
-ZY_MODULE_ENTRY_POINTS(mod_grid)
-ZY_MODULE_ENTRY_POINTS(mod_hsl)
-ZY_MODULE_ENTRY_POINTS(mod_hsv)
-ZY_MODULE_ENTRY_POINTS(mod_invert)
-ZY_MODULE_ENTRY_POINTS(mod_tedge)
-ZY_MODULE_ENTRY_POINTS(mod_line)
-ZY_MODULE_ENTRY_POINTS(mod_median)
-ZY_MODULE_ENTRY_POINTS(mod_palsort)
-ZY_MODULE_ENTRY_POINTS(mod_pixel)
-ZY_MODULE_ENTRY_POINTS(mod_preten)
-ZY_MODULE_ENTRY_POINTS(mod_psort)
-ZY_MODULE_ENTRY_POINTS(mod_radfill)
-ZY_MODULE_ENTRY_POINTS(mod_rect)
-ZY_MODULE_ENTRY_POINTS(mod_remap)
-ZY_MODULE_ENTRY_POINTS(mod_rot)
-ZY_MODULE_ENTRY_POINTS(mod_rotate)
-ZY_MODULE_ENTRY_POINTS(mod_safe)
-ZY_MODULE_ENTRY_POINTS(mod_scale)
-ZY_MODULE_ENTRY_POINTS(mod_shade)
-ZY_MODULE_ENTRY_POINTS(mod_sharpen)
-ZY_MODULE_ENTRY_POINTS(mod_shrink)
-ZY_MODULE_ENTRY_POINTS(mod_size)
-ZY_MODULE_ENTRY_POINTS(mod_smooth)
-ZY_MODULE_ENTRY_POINTS(mod_stereo)
-ZY_MODULE_ENTRY_POINTS(mod_embm)
-ZY_MODULE_ENTRY_POINTS(mod_swap)
-ZY_MODULE_ENTRY_POINTS(mod_texture)
-ZY_MODULE_ENTRY_POINTS(mod_wrap)
-ZY_MODULE_ENTRY_POINTS(mod_xcolour)
-ZY_MODULE_ENTRY_POINTS(mod_zoom)
-ZY_MODULE_ENTRY_POINTS(mod_screen)
-ZY_MODULE_ENTRY_POINTS(mod_mipmont)
-ZY_MODULE_ENTRY_POINTS(mod_warp)
-ZY_MODULE_ENTRY_POINTS(mod_unembm)
-ZY_MODULE_ENTRY_POINTS(mod_trans)
-ZY_MODULE_ENTRY_POINTS(mod_drops)
-ZY_MODULE_ENTRY_POINTS(mod_dot3)
-ZY_MODULE_ENTRY_POINTS(mod_undot3)
-ZY_MODULE_ENTRY_POINTS(mod_ftxmp)
-ZY_MODULE_ENTRY_POINTS(mod_mipmap)
-ZY_MODULE_ENTRY_POINTS(mod_photoshop)
-
-#undef ZY_MODULE_ENTRY_POINTS
+extern const ModuleEntry mod_fnil;
+extern const ModuleEntry mod_fyi;
+extern const ModuleEntry mod_acenter;
+extern const ModuleEntry mod_alphacomment;
+extern const ModuleEntry mod_acopy;
+extern const ModuleEntry mod_blend;
+extern const ModuleEntry mod_psnr;
+extern const ModuleEntry mod_blur;
+extern const ModuleEntry mod_fchanmap;
+extern const ModuleEntry mod_chroma;
+extern const ModuleEntry mod_colbal;
+extern const ModuleEntry mod_contrast;
+extern const ModuleEntry mod_creep;
+extern const ModuleEntry mod_crop;
+extern const ModuleEntry mod_csmap;
+extern const ModuleEntry mod_deband;
+extern const ModuleEntry mod_deinterlace;
+extern const ModuleEntry mod_dilate;
+extern const ModuleEntry mod_doubled;
+extern const ModuleEntry mod_edge;
+extern const ModuleEntry mod_erode;
+extern const ModuleEntry mod_equalize;
+extern const ModuleEntry mod_fill;
+extern const ModuleEntry mod_halfsize;
+extern const ModuleEntry mod_outline;
+extern const ModuleEntry mod_flip;
+extern const ModuleEntry mod_gamma;
+extern const ModuleEntry mod_grb;
+extern const ModuleEntry mod_grey;
+extern const ModuleEntry mod_grid;
+extern const ModuleEntry mod_hsl;
+extern const ModuleEntry mod_hsv;
+extern const ModuleEntry mod_invert;
+extern const ModuleEntry mod_tedge;
+extern const ModuleEntry mod_line;
+extern const ModuleEntry mod_median;
+extern const ModuleEntry mod_palsort;
+extern const ModuleEntry mod_pixel;
+extern const ModuleEntry mod_preten;
+extern const ModuleEntry mod_psort;
+extern const ModuleEntry mod_radfill;
+extern const ModuleEntry mod_rect;
+extern const ModuleEntry mod_remap;
+extern const ModuleEntry mod_rot;
+extern const ModuleEntry mod_rotate;
+extern const ModuleEntry mod_safe;
+extern const ModuleEntry mod_scale;
+extern const ModuleEntry mod_shade;
+extern const ModuleEntry mod_sharpen;
+extern const ModuleEntry mod_shrink;
+extern const ModuleEntry mod_size;
+extern const ModuleEntry mod_smooth;
+extern const ModuleEntry mod_stereo;
+extern const ModuleEntry mod_embm;
+extern const ModuleEntry mod_swap;
+extern const ModuleEntry mod_texture;
+extern const ModuleEntry mod_wrap;
+extern const ModuleEntry mod_xcolour;
+extern const ModuleEntry mod_zoom;
+extern const ModuleEntry mod_screen;
+extern const ModuleEntry mod_mipmont;
+extern const ModuleEntry mod_warp;
+extern const ModuleEntry mod_unembm;
+extern const ModuleEntry mod_trans;
+extern const ModuleEntry mod_drops;
+extern const ModuleEntry mod_dot3;
+extern const ModuleEntry mod_undot3;
+extern const ModuleEntry mod_ftxmp;
+extern const ModuleEntry mod_mipmap;
+extern const ModuleEntry mod_photoshop;

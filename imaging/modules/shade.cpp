@@ -1,18 +1,19 @@
-// shade ("Shade ARGB"): shades one colour towards another.
+// shade ("Shade ARGB"): re-tints an image so that one colour becomes
+// another and every shade of it the matching shade of the new one.
 //
-// The descriptor is complete; the pixel work is not written yet, so open
-// refuses and no caller ever holds an instance of this module. To add it,
-// follow docs/modules.md: open with module_open_instance, then fill in
-// query and process.
+// Values (32-bit words, default 0): argbnew, argbold. Each channel
+// (alpha, red, green, blue) is multiplied by new / old of that channel,
+// so argbold itself becomes argbnew, half its level half the new level.
+// A channel whose old level is 0 stays as it is; the defaults change
+// nothing. Indexed images change through their palette.
 
 #include "imaging/module/authoring.h"
+#include "imaging/modules/filter/colour.h"
+#include "imaging/modules/filter/colour_space.h"
 #include "imaging/modules/modules.h"
-
-namespace mod_shade {
 
 namespace {
 
-// Types, ranges and defaults a generic parameter dialog offers.
 constexpr ModuleParamDecl kParams[] = {
     {kParamMask, 0, 0xFFFFFFFF, 0, "argbnew"},
     {kParamMask, 0, 0xFFFFFFFF, 0, "argbold"},
@@ -24,26 +25,20 @@ constexpr ModuleDecl kDecl = {.magic = "SHAD",
                               .version = "1.00",
                               .params = kParams};
 
+auto ruleOf(const ModuleInstance* instance) {
+    uint32_t wanted = module_value_uint(instance, kDecl, 0);
+    uint32_t old = module_value_uint(instance, kDecl, 1);
+    filter::ChannelTables tables{};
+    for (int c = 0; c < 4; ++c) {
+        double from = filter::channel(old, c), to = filter::channel(wanted, c);
+        if (from == 0.0)
+            tables.identity(c);
+        else
+            tables.fill(c, [=](int v) { return v * to / from; });
+    }
+    return tables;
+}
+
 } // namespace
 
-ModuleDescriptor* describe() {
-    return module_build_descriptor(kDecl);
-}
-
-int open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t, const ModuleValue*) {
-    return module_unavailable(kDecl, out);
-}
-
-TavixInfo* query(ModuleInstance*, int32_t) {
-    return nullptr;
-}
-
-int process(ModuleInstance*, const TavixInfo*, void*, int32_t) {
-    return 0;
-}
-
-int close(ModuleInstance* instance) {
-    return module_close_instance(instance);
-}
-
-} // namespace mod_shade
+constexpr ModuleEntry mod_shade = filter::colour_entry<kDecl, ruleOf>();

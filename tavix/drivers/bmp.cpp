@@ -3,14 +3,17 @@
 // Reading: core (OS/2 1.x), INFO, V2/V3, V4 and V5 headers; 1, 4 and 8-bit
 // palette images (plain, or RLE4/RLE8 packed) as indexed frames with one
 // index per pixel; 16, 24 and 32-bit images as 32-bit ARGB, with BI_RGB's
-// fixed channel layout or BI_BITFIELDS / BI_ALPHABITFIELDS masks; rows
+// fixed channel layout or BI_BITFIELDS / BI_ALPHABITFIELDS masks (channels
+// narrower than 8 bits widened by bit replication); rows
 // bottom-up or top-down. Colour tables have no alpha, so palettes read
 // opaque; BI_RGB's fourth byte of a 32-bit pixel is unused and ignored. An
 // alpha mask whose values are all zero marks a writer that did not mean
 // alpha, so such an image reads opaque.
 //
-// Writing: indexed frames as 8-bit BI_RGB with the palette entries in use
-// (palette alpha cannot be stored); true colour as 24-bit BI_RGB when the
+// Writing: indexed frames as 8-bit BI_RGB with the palette entries in use;
+// a colour table has no alpha, so an indexed frame whose record has alpha
+// bits and whose palette has a transparent entry is written as 32-bit
+// colours with an alpha mask instead; true colour as 24-bit BI_RGB when the
 // record has no alpha bits or every pixel is opaque, else 32-bit
 // BI_BITFIELDS with a BITMAPV4HEADER carrying the alpha mask. Rows are
 // stored bottom-up, the layout every reader accepts. The resolution is
@@ -183,11 +186,19 @@ struct Channel {
     uint32_t mask, shift, max;
     explicit Channel(uint32_t m)
         : mask(m), shift(m ? std::countr_zero(m) : 0), max(m ? m >> std::countr_zero(m) : 0) {}
+    // Narrow channels widen by repeating their bits (5 bits abcde become
+    // abcdeabc), as the Targa and shape readers do, so 0 and the top value
+    // map to 0 and 255 and every reader of Zy agrees on the colours.
     uint32_t operator()(uint32_t pixel) const {
         if (!mask) return 0;
         uint32_t v = (pixel & mask) >> shift;
-        if (max >= 255) return v >> (std::bit_width(max) - 8);
-        return (v * 255 + max / 2) / max;
+        int bits = std::bit_width(max);
+        if (bits >= 8) return v >> (bits - 8);
+        uint32_t wide = 0;
+        int filled = 0;
+        for (; filled < 8; filled += bits)
+            wide = wide << bits | v;
+        return wide >> (filled - 8);
     }
 };
 
@@ -376,9 +387,12 @@ class BmpWriter : public FrameWriter {
     void finish(Bytes& file) override {
         if (!m_has) fail("no image was given to write");
         const Picture& p = m_picture;
-        int entries = p.indexed ? paletteEntries(p) : 0;
-        bool alpha = !p.indexed && pixelsHaveAlpha();
-        uint16_t bpp = p.indexed ? 8 : alpha ? 32 : 24;
+        // A colour table has no alpha: a palette image with transparent
+        // entries is stored as 32-bit colours with an alpha mask instead.
+        bool alpha = pixelsHaveAlpha();
+        bool asIndexed = p.indexed && !alpha;
+        int entries = asIndexed ? paletteEntries(p) : 0;
+        uint16_t bpp = asIndexed ? 8 : alpha ? 32 : 24;
         uint32_t headerSize = alpha ? kV4Header : kInfoHeader;
         uint64_t stride = (uint64_t{static_cast<uint32_t>(p.width)} * bpp + 31) / 32 * 4;
         uint64_t offset = kFileHeaderBytes + headerSize + uint64_t(entries) * 4;
@@ -430,12 +444,12 @@ class BmpWriter : public FrameWriter {
         Bytes row(stride, 0);
         for (int y = p.height - 1; y >= 0; --y) {
             size_t first = static_cast<size_t>(y) * width;
-            if (p.indexed) {
+            if (bpp == 8) {
                 memcpy(row.data(), &p.indices[first], width);
             } else {
                 uint8_t* to = row.data();
                 for (size_t x = 0; x < width; ++x) {
-                    uint32_t c = p.argb[first + x];
+                    uint32_t c = p.argbAt(first + x);
                     *to++ = static_cast<uint8_t>(c);
                     *to++ = static_cast<uint8_t>(c >> 8);
                     *to++ = static_cast<uint8_t>(c >> 16);
@@ -448,6 +462,12 @@ class BmpWriter : public FrameWriter {
 
     bool pixelsHaveAlpha() const {
         if (!m_keepAlpha) return false;
+        if (m_picture.indexed) {
+            int entries = paletteEntries(m_picture);
+            for (int i = 0; i < entries; ++i)
+                if (m_picture.palette[i].alpha != 255) return true;
+            return false;
+        }
         for (uint32_t colour : m_picture.argb)
             if (colour >> 24 != 255) return true;
         return false;

@@ -15,8 +15,10 @@
 // opaque; true colour as 24-bit when the record has no alpha bits or every
 // pixel is opaque, else 32-bit. Whenever alpha is stored the descriptor
 // names 8 alpha bits, so no reader takes it for an unused byte. Rows are
-// stored bottom to top (the origin every reader understands), packed per
-// row when the record's `packed` is set, followed by a TGA 2.0 footer.
+// stored top to bottom with the top-left origin bit set: bottom-up files are
+// valid too, but some viewers ignore the origin and show them upside down,
+// while every reader honours the top-left bit. Rows are packed per row when
+// the record's `packed` is set, and a TGA 2.0 footer follows.
 // Frame names, points and comments have no place in the format and are
 // not stored.
 //
@@ -39,6 +41,7 @@ namespace {
 constexpr uint32_t kTgaId = 0x54474100;
 constexpr size_t kHeaderBytes = 18;
 constexpr size_t kMaxPacket = 128;
+constexpr uint8_t kTopLeftOrigin = 0x20; // descriptor bit 5: first stored row is the top
 const char kFooterSignature[] = "TRUEVISION-XFILE.";
 
 enum ImageKind { kMapped = 1, kTrueColour = 2, kGrey = 3 };
@@ -382,7 +385,7 @@ class TgaWriter : public FrameWriter {
         out.u16le(p.width);
         out.u16le(p.height);
         out.u8(depth);
-        out.u8(alpha ? 8 : 0); // alpha bits of the pixel or map entry; bottom-left origin
+        out.u8((alpha ? 8 : 0) | kTopLeftOrigin); // alpha bits of the pixel or map entry
         if (p.indexed) writeMap(out, entries, alpha);
         writePixels(out, depth / 8, alpha);
         out.u32le(0); // no extension area
@@ -419,7 +422,7 @@ class TgaWriter : public FrameWriter {
         const Picture& p = m_picture;
         size_t width = static_cast<size_t>(p.width);
         Bytes row(width * bytes);
-        for (int y = p.height - 1; y >= 0; --y) {
+        for (int y = 0; y < p.height; ++y) {
             size_t first = static_cast<size_t>(y) * width;
             if (p.indexed) {
                 memcpy(row.data(), &p.indices[first], width);

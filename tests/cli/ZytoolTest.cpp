@@ -7,8 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstring>
 #include <sys/wait.h>
 
 using namespace zytest;
@@ -28,11 +30,13 @@ ToolRun zytool(const std::string& arguments, const TempFolder& folder) {
     FILE* pipe = popen(command.c_str(), "r");
     std::array<char, 4096> buffer;
     size_t n;
-    while ((n = fread(buffer.data(), 1, buffer.size(), pipe)) > 0) run.out.append(buffer.data(), n);
+    while ((n = fread(buffer.data(), 1, buffer.size(), pipe)) > 0)
+        run.out.append(buffer.data(), n);
     int raw = pclose(pipe);
     run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
     FILE* err = fopen(errPath.c_str(), "r");
-    while (err && (n = fread(buffer.data(), 1, buffer.size(), err)) > 0) run.err.append(buffer.data(), n);
+    while (err && (n = fread(buffer.data(), 1, buffer.size(), err)) > 0)
+        run.err.append(buffer.data(), n);
     if (err) fclose(err);
     std::filesystem::remove(errPath);
     return run;
@@ -42,10 +46,12 @@ class Zytool : public ::testing::Test {
   protected:
     void SetUp() override { bindBuiltLibrary(); }
 
-    std::string writeFrames(const std::string& name, std::vector<TavixFrame> frames, const char* driver = "tvx") {
+    std::string writeFrames(const std::string& name, std::vector<TavixFrame> frames,
+                            const char* driver = "tvx") {
         std::string path = (m_folder / name).string();
         std::vector<const TavixFrame*> list;
-        for (const TavixFrame& frame : frames) list.push_back(&frame);
+        for (const TavixFrame& frame : frames)
+            list.push_back(&frame);
         std::string error;
         EXPECT_TRUE(TavixWriteFile(path, TavixFind(driver), list, error)) << error;
         return path;
@@ -116,7 +122,8 @@ TEST_F(Zytool, ErrorsGoToStandardErrorWithAFailingExit) {
         std::string arguments;
         const char* expected;
     } cases[] = {
-        {"convert " + (m_folder / "missing.tvx").string() + " " + (m_folder / "o.tvx").string(), "cannot open"},
+        {"convert " + (m_folder / "missing.tvx").string() + " " + (m_folder / "o.tvx").string(),
+         "cannot open"},
         {"convert a.tvx b.unknownext", "no driver writes .unknownext"},
         {"convert a.tvx b.tvx --format nosuch", "no driver is named 'nosuch'"},
         {"frobnicate", "unknown verb"},
@@ -169,12 +176,16 @@ TEST_F(Zytool, ConvertRoundTripsPixelsThroughEveryRasterFormat) {
 
 TEST_F(Zytool, SelectPrintsTheChosenIndicesOnly) {
     std::vector<TavixFrame> frames;
-    for (const char* name : {"walk1", "walk2", "walk10", "idle", "jump"}) frames.push_back(makeFrame(2, 2, 32, name));
+    for (const char* name : {"walk1", "walk2", "walk10", "idle", "jump"})
+        frames.push_back(makeFrame(2, 2, 32, name));
     std::string path = writeFrames("five.tvx", std::move(frames));
     struct Case {
         const char* expression;
         const char* expected;
-    } cases[] = {{"1..3", "1 2 3\n"}, {"walk*", "0 1 2\n"}, {"!2,4", "0 1 3\n"}, {"''", "0 1 2 3 4\n"},
+    } cases[] = {{"1..3", "1 2 3\n"},
+                 {"walk*", "0 1 2\n"},
+                 {"!2,4", "0 1 3\n"},
+                 {"''", "0 1 2 3 4\n"},
                  {"0..4+=2", "0 2 4\n"}};
     for (const Case& c : cases) {
         ToolRun run = zytool(std::string("select '") + c.expression + "' " + path, m_folder);
@@ -201,7 +212,8 @@ TEST_F(Zytool, RunAppliesAModuleToTheSelectedFramesOnly) {
     EXPECT_EQ(argbPixels(back.frames[0]), original) << "frame a was not selected";
     std::vector<uint32_t> mirrored = argbPixels(back.frames[1]);
     for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 4; ++x) EXPECT_EQ(mirrored[y * 4 + x], original[y * 4 + 3 - x]);
+        for (int x = 0; x < 4; ++x)
+            EXPECT_EQ(mirrored[y * 4 + x], original[y * 4 + 3 - x]);
 
     ToolRun unknown = zytool("run NoSuchModule " + in + " " + out, m_folder);
     EXPECT_NE(unknown.status, 0);
@@ -224,7 +236,8 @@ TEST_F(Zytool, ConvertAndExportHonourTheSelection) {
     EXPECT_FALSE(std::filesystem::exists(folder + "/0001.tvx"));
     run = zytool("export " + in + " " + (m_folder / "never").string() + " --select 7", m_folder);
     EXPECT_NE(run.status, 0);
-    EXPECT_FALSE(std::filesystem::exists(m_folder / "never")) << "nothing is made for an invalid range";
+    EXPECT_FALSE(std::filesystem::exists(m_folder / "never"))
+        << "nothing is made for an invalid range";
 }
 
 TEST_F(Zytool, RunPixelMakesRedEqualGreen) {
@@ -247,7 +260,8 @@ TEST_F(Zytool, MipmapAddsLevelsAndReplacesAnOldChain) {
     frames.push_back(makeFrame(3, 3, 32, "tiny"));
     std::string in = writeFrames("tex.tvx", std::move(frames));
     std::string once = (m_folder / "once.tvx").string();
-    ToolRun run = zytool("mipmap " + in + " " + once + " --levels 3 --method 1 --select rock", m_folder);
+    ToolRun run =
+        zytool("mipmap " + in + " " + once + " --levels 3 --method 1 --select rock", m_folder);
     ASSERT_EQ(run.status, 0) << run.err;
     TavixReadResult chain = TavixReadFile(once);
     ASSERT_EQ(chain.frames.size(), 4u);
@@ -258,7 +272,8 @@ TEST_F(Zytool, MipmapAddsLevelsAndReplacesAnOldChain) {
         EXPECT_EQ(chain.frames[i].info->width, widths[i]);
         EXPECT_EQ((chain.frames[i].info->attributes & kAttrMipLevel) != 0, i < 3) << i;
     }
-    EXPECT_EQ(argbPixels(chain.frames[0]), argbPixels(makeFrame(16, 8, 32))) << "level 0 is the image itself";
+    EXPECT_EQ(argbPixels(chain.frames[0]), argbPixels(makeFrame(16, 8, 32)))
+        << "level 0 is the image itself";
 
     std::string twice = (m_folder / "twice.tvx").string();
     run = zytool("mipmap " + once + " " + twice + " --levels 2 --select 0", m_folder);
@@ -269,4 +284,303 @@ TEST_F(Zytool, MipmapAddsLevelsAndReplacesAnOldChain) {
     EXPECT_STREQ(again.frames[2].info->framename, "tiny");
 }
 
+TEST_F(Zytool, ExportNameFormatsChangeTheCaseOrNumberTheFiles) {
+    std::string in = writeFrames("two.tvx", twoFrames());
+    struct Case {
+        const char* format;
+        const char* first;
+        const char* second;
+    };
+    for (Case c :
+         {Case{"1", "0000", "0001"}, Case{"2", "HERO", "0001"}, Case{"3", "hero", "0001"}}) {
+        std::string folder = (m_folder / (std::string("out") + c.format)).string();
+        ToolRun run = zytool(
+            "export " + in + " " + folder + " --format tvx --name-format " + c.format, m_folder);
+        ASSERT_EQ(run.status, 0) << run.err;
+        EXPECT_TRUE(std::filesystem::exists(folder + "/" + c.first + ".tvx")) << c.format;
+        EXPECT_TRUE(std::filesystem::exists(folder + "/" + c.second + ".tvx")) << c.format;
+    }
+    EXPECT_NE(
+        zytool("export " + in + " " + (m_folder / "x").string() + " --name-format 4", m_folder)
+            .status,
+        0);
+}
+
+TEST_F(Zytool, ImportReadsFoldersAndNamesByTheChosenRule) {
+    std::filesystem::create_directories(m_folder / "art/sub");
+    auto one = [](int w, int h) {
+        std::vector<TavixFrame> frames;
+        frames.push_back(makeFrame(w, h, 32));
+        return frames;
+    };
+    writeFrames("art/walk.png", one(4, 4), "png");
+    writeFrames("art/sub/run.png", one(3, 5), "png");
+    writeFrames("art/two.tvx", twoFrames());
+    const std::string out = (m_folder / "all.tvx").string();
+    struct Case {
+        const char* options;
+        std::vector<std::string> names; // sorted: the walk follows the file system's order
+    };
+    const Case cases[] = {
+        {"", {"", "hero", "run", "walk"}},
+        {"--names file", {"", "hero", "run", "walk"}},
+        {"--names keep", {"", "", "", "hero"}},
+    };
+    for (const Case& c : cases) {
+        ToolRun run =
+            zytool("import " + (m_folder / "art").string() + " " + out + " " + c.options, m_folder);
+        ASSERT_EQ(run.status, 0) << run.err;
+        TavixReadResult back = TavixReadFile(out);
+        ASSERT_EQ(back.frames.size(), 4u) << c.options;
+        std::vector<std::string> names;
+        for (const TavixFrame& frame : back.frames)
+            names.push_back(frame.info->framename);
+        std::sort(names.begin(), names.end());
+        EXPECT_EQ(names, c.names) << c.options;
+    }
+    ToolRun run = zytool("import " + (m_folder / "art/walk.png").string() + " " +
+                             (m_folder / "art/sub").string() + " " + out + " --names number",
+                         m_folder);
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_STREQ(TavixReadFile(out).frames[0].info->framename, "0");
+    EXPECT_STREQ(TavixReadFile(out).frames[1].info->framename, "1");
+    run = zytool("import " + (m_folder / "art/walk.png").string() + " " + out + " --path-comment",
+                 m_folder);
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_STREQ(TavixReadFile(out).frames[0].info->comment,
+                 "vpath=art\r\nfname=walk.png\r\nsname=walk");
+}
+
 } // namespace
+
+namespace {
+
+// A 32-bit frame whose pixels cycle through `colours`.
+TavixFrame colourFrame(int width, int height, const std::vector<uint32_t>& colours,
+                       const char* name) {
+    TavixFrame frame = makeFrame(width, height, 32, name);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            uint32_t v = colours[(x + y * width) % colours.size()];
+            memcpy(frame.pixels.data() + size_t(y) * frame.pitch + 4 * x, &v, 4);
+        }
+    return frame;
+}
+
+TEST_F(Zytool, QuantizeMakesIndexedFramesWithOwnOrSharedPalettes) {
+    const std::vector<uint32_t> a = {0xFF102030, 0xFFF0E0D0, 0xFF00FF00};
+    const std::vector<uint32_t> b = {0xFF808080, 0xFF0000FF};
+    std::vector<TavixFrame> frames;
+    frames.push_back(colourFrame(5, 4, a, "a"));
+    frames.push_back(colourFrame(3, 3, b, "b"));
+    std::string in = writeFrames("q.tvx", std::move(frames));
+    for (const char* mode : {"", " --shared"}) {
+        std::string out = (m_folder / "q8.tvx").string();
+        ToolRun run = zytool("quantize " + in + " " + out + " --colors 8" + mode, m_folder);
+        ASSERT_EQ(run.status, 0) << run.err;
+        TavixReadResult back = TavixReadFile(out);
+        ASSERT_EQ(back.frames.size(), 2u);
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(back.frames[i].info->bufferbpp, 8) << mode;
+            // Few enough colours to come through exactly.
+            EXPECT_EQ(argbPixels(back.frames[i]),
+                      argbPixels(colourFrame(i ? 3 : 5, i ? 3 : 4, i ? b : a, "")))
+                << mode;
+        }
+        EXPECT_EQ(back.frames[0].info->numcolours, *mode ? 5 : 3);
+        EXPECT_EQ(memcmp(back.frames[0].info->colours, back.frames[1].info->colours, 1024) == 0,
+                  *mode != 0);
+    }
+}
+
+TEST_F(Zytool, QuantizeKeepsAlphaOrSaysWhy) {
+    std::vector<TavixFrame> frames;
+    frames.push_back(colourFrame(4, 4, {0x00000000, 0xFF204060, 0x80FF0000}, "ghost"));
+    std::string in = writeFrames("g.tvx", std::move(frames));
+    std::string out = (m_folder / "g8.tvx").string();
+    ToolRun refused = zytool("quantize " + in + " " + out + " --method Wu", m_folder);
+    EXPECT_NE(refused.status, 0);
+    EXPECT_NE(refused.err.find(
+                  "frame 'ghost' has transparent pixels and method Wu works on colour alone"),
+              std::string::npos)
+        << refused.err;
+    EXPECT_FALSE(std::filesystem::exists(out));
+    for (const char* method : {"", " --method Exact", " --method '4D Wu'"}) {
+        ToolRun run = zytool("quantize " + in + " " + out + method, m_folder);
+        ASSERT_EQ(run.status, 0) << run.err;
+        std::vector<uint32_t> px = argbPixels(TavixReadFile(out).frames.at(0));
+        EXPECT_EQ(px[0] >> 24, 0u) << method;
+        EXPECT_EQ(px[1] >> 24, 0xFFu) << method;
+        EXPECT_NEAR(double(px[2] >> 24), 128.0, 9.0) << method;
+    }
+    ToolRun badColours = zytool("quantize " + in + " " + out + " --colors 300", m_folder);
+    EXPECT_NE(badColours.err.find("--colors takes a number from 1 to 256"), std::string::npos);
+}
+
+TEST_F(Zytool, DepthReducesChannelBitsAndRecordsTheLayout) {
+    std::vector<TavixFrame> frames;
+    frames.push_back(colourFrame(2, 1, {0x7F808080, 0xC0FF8040}, "d"));
+    std::string in = writeFrames("d.tvx", std::move(frames));
+    std::string out = (m_folder / "d16.tvx").string();
+    const struct {
+        const char* bits;
+        int bpp;
+        uint32_t first, second;
+    } cases[] = {{"1555", 15, 0x00848484, 0xFFFF8442},
+                 {"0565", 16, 0xFF848284, 0xFFFF8242},
+                 {"4444", 16, 0x77888888, 0xBBFF8844},
+                 {"8888", 32, 0x7F808080, 0xC0FF8040}};
+    for (const auto& c : cases) {
+        ToolRun run = zytool("depth " + in + " " + out + " --bits " + c.bits, m_folder);
+        ASSERT_EQ(run.status, 0) << run.err;
+        TavixFrame back = std::move(TavixReadFile(out).frames.at(0));
+        EXPECT_EQ(back.info->bpp, c.bpp) << c.bits;
+        EXPECT_EQ(back.info->alphabits, c.bits[0] - '0');
+        EXPECT_EQ(back.info->greenbits, c.bits[2] - '0');
+        EXPECT_EQ(argbPixels(back), (std::vector<uint32_t>{c.first, c.second})) << c.bits;
+    }
+    ToolRun bad = zytool("depth " + in + " " + out + " --bits 565", m_folder);
+    EXPECT_NE(bad.err.find("--bits takes four digits"), std::string::npos);
+}
+
+} // namespace
+// ---- zytool command: the editor's command families on a file ------------------
+
+class ZytoolCommand : public Zytool {
+  protected:
+    std::string three() {
+        std::vector<TavixFrame> frames;
+        for (const char* name : {"c", "a", "b"})
+            frames.push_back(makeFrame(4 + name[0] - 'a', 3, 32, name));
+        return writeFrames("three.fsh", std::move(frames), "newfsh");
+    }
+    std::string out(const char* name = "out.fsh") { return (m_folder / name).string(); }
+    static std::string names(const std::string& path) {
+        std::string text;
+        for (const TavixFrame& frame : TavixReadFile(path).frames)
+            text += frame.info->framename;
+        return text;
+    }
+};
+
+TEST_F(ZytoolCommand, DuplicateOfThreeFramesGivesSix) {
+    std::string in = three();
+    ToolRun run = zytool("command 35082 " + in + " " + out("six.fsh"), m_folder);
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(names(out("six.fsh")), "cabcab");
+}
+
+TEST_F(ZytoolCommand, DeleteTakesItsAnswerFromTheCommandLine) {
+    std::string in = three();
+    ToolRun unanswered = zytool("command Delete --select 1 " + in + " " + out(), m_folder);
+    EXPECT_NE(unanswered.status, 0);
+    EXPECT_NE(unanswered.err.find("You are about to delete 1 images."), std::string::npos)
+        << unanswered.err;
+    EXPECT_NE(unanswered.err.find("--answer yes|no"), std::string::npos) << unanswered.err;
+    EXPECT_FALSE(std::filesystem::exists(out()));
+
+    ToolRun no = zytool("command 35083 --answer no --select 1 " + in + " " + out(), m_folder);
+    EXPECT_NE(no.status, 0);
+    EXPECT_NE(no.err.find("was not performed"), std::string::npos) << no.err;
+
+    ToolRun yes = zytool("command 35083 --answer yes --select 1 " + in + " " + out(), m_folder);
+    ASSERT_EQ(yes.status, 0) << yes.err;
+    EXPECT_EQ(names(out()), "cb");
+}
+
+TEST_F(ZytoolCommand, OrderSortAndPlacementThroughTheCommandLine) {
+    std::string in = three();
+    struct Case {
+        std::string arguments;
+        std::string names;
+    };
+    const Case cases[] = {
+        {"Sort", "abc"},
+        {"Sort --set CImageListView/m_SortAscending=0", "cba"},
+        {"BringToFront --select b", "bca"},
+        {"SendBack --select 0", "acb"},
+    };
+    for (const Case& c : cases) {
+        ToolRun run = zytool("command " + c.arguments + " " + in + " " + out(), m_folder);
+        ASSERT_EQ(run.status, 0) << c.arguments << ": " << run.err;
+        EXPECT_EQ(names(out()), c.names) << c.arguments;
+    }
+    // Align Right on the focused (first selected) image c, 6 wide at 0.
+    ASSERT_EQ(zytool("command AlignRight --select 0..2 " + in + " " + out(), m_folder).status, 0);
+    for (const TavixFrame& frame : TavixReadFile(out()).frames)
+        EXPECT_EQ(frame.info->defaultx + frame.info->width, 6);
+    ASSERT_EQ(
+        zytool("command CenterHorizontal --set CImageView/m_ScreenWidth=11 " + in + " " + out(),
+               m_folder)
+            .status,
+        0);
+    EXPECT_EQ(TavixReadFile(out()).frames[1].info->defaultx, 3); // (11 - 4) / 2
+}
+
+TEST_F(ZytoolCommand, DialogFieldsComeFromSettings) {
+    std::string in = three();
+    ToolRun keys = zytool("commands --keys AddNewImage", m_folder);
+    EXPECT_EQ(keys.out, "CInsertDlg/m_Width\nCInsertDlg/m_Height\nCInsertDlg/m_Depth\n");
+    ToolRun run =
+        zytool("command AddNewImage --set CInsertDlg/m_Width=9 --set CInsertDlg/m_Height=2 "
+               "--set CInsertDlg/m_Depth=8 " +
+                   in + " " + out("four.tvx"),
+               m_folder);
+    ASSERT_EQ(run.status, 0) << run.err;
+    TavixReadResult back = TavixReadFile(out("four.tvx"));
+    ASSERT_EQ(back.frames.size(), 4u);
+    EXPECT_EQ(back.frames[3].info->width, 9);
+    EXPECT_EQ(back.frames[3].info->height, 2);
+    EXPECT_EQ(back.frames[3].info->bufferbpp, 8);
+
+    ToolRun bad = zytool(
+        "command AddNewImage --set CInsertDlg/m_Width=0 " + in + " " + out("x.tvx"), m_folder);
+    EXPECT_NE(bad.status, 0);
+    EXPECT_NE(bad.err.find("CInsertDlg/m_Width: '0' does not fit"), std::string::npos) << bad.err;
+}
+
+TEST_F(ZytoolCommand, ListsCommandsAndRefusesUnknownOnes) {
+    ToolRun list = zytool("commands", m_folder);
+    EXPECT_NE(list.out.find("35082  Duplicate            Duplicate the selected images\n"),
+              std::string::npos)
+        << list.out;
+    EXPECT_NE(list.out.find("(not in this build)"), std::string::npos);
+    std::string in = three();
+    ToolRun unknown = zytool("command NoSuchCommand " + in + " " + out(), m_folder);
+    EXPECT_NE(unknown.status, 0);
+    EXPECT_NE(unknown.err.find("no command is named 'NoSuchCommand'"), std::string::npos);
+    ToolRun absent = zytool("command 35499 " + in + " " + out(), m_folder);
+    EXPECT_NE(absent.err.find("has no family in this build"), std::string::npos) << absent.err;
+}
+
+TEST_F(Zytool, RunTakesTheSecondImageOfTwoImageModules) {
+    std::vector<TavixFrame> frames;
+    frames.push_back(makeFrame(4, 3, 32, "a"));
+    frames.push_back(makeFrame(4, 3, 32, "b"));
+    std::string in = writeFrames("two.tvx", std::move(frames));
+    std::vector<TavixFrame> over;
+    over.push_back(makeFrame(2, 2, 32, "over"));
+    over[0].info->defaultx = 3;
+    std::string second = writeFrames("over.tvx", std::move(over));
+    std::string out = (m_folder / "out.tvx").string();
+    ToolRun run = zytool("run Blend Paste " + in + " " + out + " --second " + second, m_folder);
+    ASSERT_EQ(run.status, 0) << run.err;
+    TavixReadResult back = TavixReadFile(out);
+    ASSERT_EQ(back.frames.size(), 2u);
+    for (const TavixFrame& frame : back.frames) {
+        EXPECT_EQ(frame.info->width, 5); // 0..4 joined with 3..5
+        EXPECT_EQ(argbPixels(frame)[4], argbPixels(makeFrame(2, 2, 32))[1]);
+    }
+    ToolRun psnr = zytool("run Blend psnr " + in + " " + out + " --second " + in, m_folder);
+    ASSERT_EQ(psnr.status, 0) << psnr.err;
+    EXPECT_NE(psnr.out.find("frame 1: psnr 128.00 dB, luminance 128.00 dB; so far 128.00 dB"), std::string::npos)
+        << psnr.out;
+    std::vector<TavixFrame> three;
+    for (int i = 0; i < 3; ++i) three.push_back(makeFrame(2, 2, 32));
+    std::string wrong = writeFrames("three.tvx", std::move(three));
+    ToolRun mismatch = zytool("run Blend " + in + " " + out + " --second " + wrong, m_folder);
+    EXPECT_NE(mismatch.status, 0);
+    EXPECT_NE(mismatch.err.find("--second needs one frame or as many frames"), std::string::npos) << mismatch.err;
+    ToolRun single = zytool("run Flip Horizontal " + in + " " + out + " --second " + second, m_folder);
+    EXPECT_NE(single.err.find("takes one image"), std::string::npos) << single.err;
+}

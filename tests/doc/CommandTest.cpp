@@ -172,8 +172,10 @@ TEST_F(CommandTest, UpdateRuleAndDispatch) {
     struct {
         unsigned id;
         bool withImages, empty;
-    } cases[] = {{ID_IMAGE_FLIP_HORIZONTAL, true, false}, {ID_IMAGE_FLIP_VERTICAL, true, false},
-                 {kParamId, true, true}, {kUnusedId, false, false}};
+    } cases[] = {{ID_IMAGE_FLIP_HORIZONTAL, true, false},
+                 {ID_IMAGE_FLIP_VERTICAL, true, false},
+                 {kParamId, true, true},
+                 {kUnusedId, false, false}};
     CTavixDoc empty;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.id);
@@ -249,10 +251,11 @@ TEST_F(CommandTest, AThrowingCommandLeavesTheCrashLineAndTheErrorTexts) {
                             "has not been performed");
     EXPECT_EQ(texts.m_Scope, "The problem is the a result of a programming error and may cause "
                              "additional problems.");
-    EXPECT_EQ(texts.m_Action, std::string("Save your work and try the operation again.in .  Send "
-                                          "an e-mail to ") +
-                                  kZySupportAddress +
-                                  " attaching the file and the steps needed to reproduce the problem");
+    EXPECT_EQ(texts.m_Action,
+              std::string("Save your work and try the operation again.in .  Send "
+                          "an e-mail to ") +
+                  kZySupportAddress +
+                  " attaching the file and the steps needed to reproduce the problem");
     // The flip's undo data went with the submission; the failed command is gone.
     EXPECT_EQ(doc.GetCommandHandler().GetCurrent(), nullptr);
     EXPECT_EQ(undoText(doc), "disabled Can't Undo\tCtrl+Z");
@@ -268,12 +271,26 @@ TEST_F(CommandTest, AThrowingCommandLeavesTheCrashLineAndTheErrorTexts) {
 TEST_F(CommandTest, AThrowingUndoIsGuardedAndStillFlips) {
     doc.OnCmdMsg(kUndoThrowId);
     doc.OnCmdMsg(ID_EDIT_UNDO);
-    EXPECT_EQ(model.ui.crashLines, std::vector<std::string>{"Zy, crash, OnUndo, Undo Throwing Test"});
+    EXPECT_EQ(model.ui.crashLines,
+              std::vector<std::string>{"Zy, crash, OnUndo, Undo Throwing Test"});
     EXPECT_EQ(model.ui.exceptionDialogs.size(), 1u);
     EXPECT_EQ(undoText(doc), "enabled Redo Undo Throwing Test\tCtrl+Z");
     doc.OnCmdMsg(ID_EDIT_UNDO); // Redo runs Do, which works
     EXPECT_EQ(model.ui.crashLines.size(), 1u);
     EXPECT_EQ(undoText(doc), "enabled Undo Undo Throwing Test\tCtrl+Z");
+}
+
+TEST_F(CommandTest, TheCrashLineNamesTheCommandThatThrewNotTheLastOneStarted) {
+    doc.OnCmdMsg(kUndoThrowId);
+    // A command started and cancelled in between must not take the blame.
+    model.ui.dialogs["CParamTestDlg"] = [](CDialogData&) { return false; };
+    doc.OnCmdMsg(kParamId);
+    doc.OnCmdMsg(ID_EDIT_UNDO);
+    EXPECT_EQ(model.ui.crashLines,
+              std::vector<std::string>{"Zy, crash, OnUndo, Undo Throwing Test"});
+    ASSERT_EQ(model.ui.exceptionDialogs.size(), 1u);
+    EXPECT_NE(model.ui.exceptionDialogs[0].m_What.find("\"Undo Throwing Test\""),
+              std::string::npos);
 }
 
 // ---- Crash-report channel --------------------------------------------------------

@@ -5,6 +5,7 @@
 #include "ScriptedUi.h"
 
 #include "CodecTestSupport.h"
+#include "app/doc/CommandIds.h"
 #include "app/doc/Conform.h"
 #include "app/doc/TavixDoc.h"
 #include "codec/TavixBinding.h"
@@ -13,20 +14,16 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <unistd.h>
 
 using namespace zytest;
 namespace fs = std::filesystem;
 
 namespace {
 
-std::string readError(const std::string& path) {
-    return "An error occurred while reading '" + path +
-           "'. Possible causes include:\n\n"
-           "\u2022 The Tavix DLL being used (see Help, About Zy... ) is not up-to-date.\n"
-           "\u2022 The filetype is unsupported.\n"
-           "\u2022 The file is bad.\n"
-           "\u2022 The file is on a bad storage device.\n"
-           "\u2022 The system is out of memory.";
+bool contains(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
 }
 
 std::vector<std::string> folderEntries(const fs::path& folder) {
@@ -71,37 +68,99 @@ TEST_F(FileTest, OpenReadsEveryFrameWithProgress) {
     EXPECT_EQ(doc.GetImageAt(3)->GetName(), "img3");
     EXPECT_EQ(doc.GetImageAt(3)->GetBitCount(), 32);
     EXPECT_EQ(view.hints, (std::vector<std::string>{"all", "insert 0 5"}));
-    EXPECT_EQ(model.ui.progress,
-              (std::vector<std::string>{"create Reading " + source, "animation 109",
-                                        "status Opening", "animation 223",
-                                        "status (1/5)", "status (2/5)", "status (3/5)", "status (4/5)",
-                                        "status (5/5)", "status Closing", "destroy"}));
+    EXPECT_EQ(
+        model.ui.progress,
+        (std::vector<std::string>{"create Reading " + source, "animation 109", "status Opening",
+                                  "animation 223", "status (1/5)", "status (2/5)", "status (3/5)",
+                                  "status (4/5)", "status (5/5)", "status Closing", "destroy"}));
     EXPECT_TRUE(model.ui.IsMainWindowEnabled());
     // The pixels are those the codec wrote.
     TavixFrame expected = makeFrame(6, 4, 32, "img1");
     EXPECT_EQ(argbPixels(doc.GetImageAt(1)->ToFrame()), argbPixels(expected));
 }
 
-TEST_F(FileTest, CancelDuringOpenKeepsTheFramesReadSoFar) {
-    model.ui.cancelAtStatus = "(3/5)";
-    ASSERT_TRUE(doc.OnOpenDocument(source));
-    EXPECT_EQ(doc.GetImageCount(), 2);
-    EXPECT_EQ(model.ui.ProgressStatuses().back(), "Closing");
+TEST_F(FileTest, CancelledOrPartlyReadOpensAreUntitledAndModified) {
+    // Five frames written as FSH, the file cut short in the last frame.
+    const std::string cut = (folder / "cut.fsh").string();
+    {
+        std::vector<TavixFrame> frames;
+        std::vector<const TavixFrame*> pointers;
+        for (int i = 0; i < 5; ++i)
+            frames.push_back(makeFrame(16, 16, 32, ("img" + std::to_string(i)).c_str()));
+        for (const TavixFrame& frame : frames)
+            pointers.push_back(&frame);
+        std::string error;
+        ASSERT_TRUE(TavixWriteFile(cut, TavixFind("newfsh"), pointers, error)) << error;
+        fs::resize_file(cut, fs::file_size(cut) - 200);
+    }
+    struct Case {
+        const char* what;
+        std::string path;
+        std::string cancelAt;
+        int images;
+        std::vector<std::string> told;
+    } cases[] = {
+        {"cancelled",
+         source,
+         "(3/5)",
+         2,
+         {"Reading '" + source + "' was cancelled after 2 of 5 frames."}},
+        {"cut short",
+         cut,
+         "",
+         4,
+         {"Only 4 of 5 frames of '" + cut + "' could be read",
+          "frame 5: ", "The codec library reported:\n"}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        model.ui.messages.clear();
+        model.ui.cancelAtStatus = c.cancelAt;
+        ASSERT_TRUE(doc.OnOpenDocument(c.path));
+        EXPECT_EQ(doc.GetImageCount(), c.images);
+        ASSERT_EQ(model.ui.messages.size(), 1u);
+        for (const std::string& part : c.told)
+            EXPECT_TRUE(contains(model.ui.messages[0].text, part)) << model.ui.messages[0].text;
+        // A plain Save must ask for a name: it cannot write over the file.
+        EXPECT_EQ(doc.GetPathName(), "");
+        EXPECT_EQ(doc.GetTitle(), fs::path(c.path).filename().string() + " (incomplete)");
+        EXPECT_TRUE(doc.IsModified());
+        const auto size = fs::file_size(c.path);
+        model.ui.dialogs["CTavixFileDialog"] = [](CDialogData&) { return false; };
+        EXPECT_FALSE(doc.OnFileSave());
+        EXPECT_EQ(fs::file_size(c.path), size);
+        EXPECT_TRUE(doc.IsModified());
+    }
 }
 
-TEST_F(FileTest, UnreadableFilesGiveTheReadErrorAndAnEmptyDocument) {
+TEST_F(FileTest, UnreadableFilesNameTheirReasonAndGiveAnEmptyDocument) {
     const std::string garbage = (folder / "bad.tvx").string();
     std::ofstream(garbage) << "TVX1 but not really";
-    for (const std::string& path : {garbage, (folder / "missing.tvx").string()}) {
-        SCOPED_TRACE(path);
+    const std::string unreadable = (folder / "locked.tvx").string();
+    writeMixedTvx(unreadable, 1);
+    fs::permissions(unreadable, fs::perms::none);
+    struct Case {
+        std::string path;
+        std::string reason;
+    } cases[] = {
+        {garbage, "tvx"}, // the codec library's own words
+        {(folder / "missing.tvx").string(), "No such file or directory"},
+        {folder.path().string(), "it is a directory"},
+        {unreadable, getuid() == 0 ? "" : "Permission denied"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.path);
         model.ui.messages.clear();
-        EXPECT_FALSE(doc.OnOpenDocument(path));
+        if (c.reason.empty()) continue; // root reads everything
+        EXPECT_FALSE(doc.OnOpenDocument(c.path));
         EXPECT_EQ(doc.GetImageCount(), 0);
         EXPECT_EQ(doc.GetBusyCount(), 0);
-        ASSERT_EQ(model.ui.messages.size(), 2u);
-        EXPECT_EQ(model.ui.messages[0].text, readError(path));
-        // Then the file error itself, with its own text.
-        EXPECT_NE(model.ui.messages[1].text.find(path), std::string::npos);
+        ASSERT_EQ(model.ui.messages.size(), 1u);
+        const std::string& text = model.ui.messages[0].text;
+        EXPECT_EQ(text.rfind("An error occurred while reading '" + c.path + "':\n\n", 0), 0u)
+            << text;
+        EXPECT_TRUE(contains(text, c.reason)) << text;
+        EXPECT_FALSE(contains(text, "Possible causes")) << text;
         EXPECT_TRUE(model.ui.crashLines.empty());
     }
 }
@@ -110,7 +169,8 @@ TEST_F(FileTest, UnexpectedFailuresWriteTheCrashLineAndShowTheErrorDialog) {
     model.ui.throwAtStatus = "(2/5)";
     EXPECT_FALSE(doc.OnOpenDocument(source));
     EXPECT_EQ(doc.GetImageCount(), 0);
-    EXPECT_EQ(model.ui.logLines, std::vector<std::string>{"Zy, crash, OnOpenDocument, Path:" + source});
+    EXPECT_EQ(model.ui.logLines,
+              std::vector<std::string>{"Zy, crash, OnOpenDocument, Path:" + source});
     ASSERT_EQ(model.ui.exceptionDialogs.size(), 1u);
     const CExceptionDlgTexts& open = model.ui.exceptionDialogs[0];
     EXPECT_EQ(open.m_Caption, "Zy Program Error");
@@ -131,8 +191,9 @@ TEST_F(FileTest, UnexpectedFailuresWriteTheCrashLineAndShowTheErrorDialog) {
     doc.SetModifiedFlag(true);
     const std::string target = (folder / "out.tvx").string();
     EXPECT_FALSE(doc.OnSaveDocument(target));
-    EXPECT_EQ(model.ui.logLines, std::vector<std::string>{"Zy, crash, OnSaveDocument, Path:" + target +
-                                                          " FileType:" + std::to_string(tvxDriver())});
+    EXPECT_EQ(model.ui.logLines,
+              std::vector<std::string>{"Zy, crash, OnSaveDocument, Path:" + target +
+                                       " FileType:" + std::to_string(tvxDriver())});
     ASSERT_EQ(model.ui.exceptionDialogs.size(), 1u);
     EXPECT_EQ(model.ui.exceptionDialogs[0].m_What,
               "The file you are saving, \"" + target +
@@ -154,7 +215,8 @@ TEST_F(FileTest, SaveWritesEveryImageAndClearsTheMarks) {
     const std::string target = (folder / "copy.tvx").string();
     ASSERT_TRUE(doc.OnSaveDocument(target));
     EXPECT_EQ(model.ui.ProgressStatuses(),
-              (std::vector<std::string>{"Creating", "(1/5)", "(2/5)", "(3/5)", "(4/5)", "(5/5)", "Closing"}));
+              (std::vector<std::string>{"Creating", "(1/5)", "(2/5)", "(3/5)", "(4/5)", "(5/5)",
+                                        "Closing"}));
     EXPECT_EQ(model.ui.progress.front(), "create Writing " + target);
     for (int i = 0; i < doc.GetImageCount(); ++i)
         EXPECT_EQ(doc.GetImageAt(i)->GetModifiedMark(), 0);
@@ -204,8 +266,8 @@ TavixAbout aboutWith(uint32_t caps, int colourLimit = 0, int nameLimit = 0,
     return about;
 }
 
-constexpr uint32_t kAll = kCapWrite | kCapPalette | kCapTrueColour | kCapMultiImage | kCapPacked |
-                          kCapStartColour;
+constexpr uint32_t kAll =
+    kCapWrite | kCapPalette | kCapTrueColour | kCapMultiImage | kCapPacked | kCapStartColour;
 
 struct OwnedList {
     CTavixImageList list;
@@ -236,16 +298,17 @@ TEST(Conform, ProblemLinesComeInTheirFixedOrder) {
     } cases[] = {
         {aboutWith(kAll), ""},
         {aboutWith(kAll & ~kCapPalette), "    - palette based images (<= 8 bpp)\n"},
-        {aboutWith(kCapPackedAlt | kCapWrite | kCapPalette | kCapTrueColour | kCapMultiImage | kCapStartColour), ""},
-        {aboutWith(0, 16, 5),
-         "    - saving files\n"
-         "    - palette based images (<= 8 bpp)\n"
-         "    - true color images (> 8 bpp)\n"
-         "    - multiple images\n"
-         "    - packed images\n"
-         "    - start colour values > 0\n"
-         "    - color index values > 16\n"
-         "    - frame names with 5 or more characters\n"},
+        {aboutWith(kCapPackedAlt | kCapWrite | kCapPalette | kCapTrueColour | kCapMultiImage |
+                   kCapStartColour),
+         ""},
+        {aboutWith(0, 16, 5), "    - saving files\n"
+                              "    - palette based images (<= 8 bpp)\n"
+                              "    - true color images (> 8 bpp)\n"
+                              "    - multiple images\n"
+                              "    - packed images\n"
+                              "    - start colour values > 0\n"
+                              "    - color index values > 16\n"
+                              "    - frame names with 5 or more characters\n"},
         {aboutWith(kAll, 256, 6), ""}, // a name exactly as long as the limit passes
     };
     for (const auto& c : cases)
@@ -342,19 +405,33 @@ TEST_F(FileTest, SaveAsAnotherFormatThroughTheFileDialog) {
         file.m_FileType = tga;
         return true;
     };
-    // Targa holds one image: the check names the others, and the save of
-    // five frames is refused by the driver without touching anything.
+    // Targa holds one image: the check names the others, and the driver's
+    // refusal to write five frames is an error that changes nothing.
+    doc.GetImageAt(0)->GetInfoForWrite()->startcolour = 4;
+    doc.GetImageAt(0)->TakeModifiedMark();
     doc.SetModifiedFlag(true);
-    EXPECT_TRUE(doc.OnFileSaveAs());
-    ASSERT_EQ(model.ui.messages.size(), 1u);
-    EXPECT_EQ(model.ui.messages[0].text, ConformWarning("    - multiple images\n"));
+    const DocSnapshot before = snapshot(doc);
+    EXPECT_FALSE(doc.OnFileSaveAs());
+    ASSERT_EQ(model.ui.messages.size(), 2u);
+    EXPECT_EQ(model.ui.messages[0].text,
+              ConformWarning("    - multiple images\n    - start colour values > 0\n"));
+    EXPECT_EQ(model.ui.messages[1].text.rfind("'" + target + "' was not saved:\n\n", 0), 0u);
+    EXPECT_GT(model.ui.messages[1].text.size(), ("'" + target + "' was not saved:\n\n").size());
+    EXPECT_EQ(model.ui.messages[1].icon, MsgIcon::Error);
     EXPECT_FALSE(fs::exists(target));
+    EXPECT_EQ(doc.GetPathName(), source);
+    EXPECT_EQ(doc.GetFileType(), tvxDriver());
+    EXPECT_TRUE(doc.IsModified());
+    EXPECT_EQ(snapshot(doc).contents, before.contents); // the format check was put back
+    EXPECT_EQ(doc.GetImageAt(0)->GetModifiedMark(), 0);
+    EXPECT_EQ(folderEntries(folder.path()), std::vector<std::string>{"five.tvx"});
+    model.ui.messages.clear();
 
     // One image goes through.
     while (doc.GetImageCount() > 1)
         doc.RemoveImage(1);
     doc.SetModifiedFlag(true);
-    EXPECT_TRUE(doc.OnFileSave());
+    EXPECT_TRUE(doc.OnFileSaveAs());
     EXPECT_FALSE(doc.IsModified());
     EXPECT_EQ(doc.GetPathName(), target);
     TavixReadResult back = TavixReadFile(target);
@@ -371,4 +448,58 @@ TEST_F(FileTest, SaveAsAnotherFormatThroughTheFileDialog) {
     model.ui.dialogs["CTavixFileDialog"] = [](CDialogData&) { return false; };
     EXPECT_FALSE(doc.OnFileSaveAs());
     EXPECT_EQ(doc.GetFileType(), tga);
+}
+
+TEST_F(FileTest, ASaveTheDriverRefusesIsAnErrorAndKeepsTheOldFile) {
+    // Every image deleted, then saved over the file: the format refuses a
+    // file without images, and the old file keeps its frame.
+    struct Case {
+        const char* driver;
+        const char* extension;
+    } cases[] = {{"tga", "tga"}, {"png", "png"}, {"newfsh", "fsh"}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.driver);
+        const std::string old = (folder / (std::string("old.") + c.extension)).string();
+        TavixFrame frame = makeFrame(8, 8, 32, "keep");
+        std::string error;
+        ASSERT_TRUE(TavixWriteFile(old, TavixFind(c.driver), {&frame}, error)) << error;
+        ASSERT_TRUE(doc.OnOpenDocument(old));
+        while (doc.GetImageCount() > 0)
+            doc.RemoveImage(0);
+        doc.SetModifiedFlag(true);
+        model.ui.messages.clear();
+        const auto bytes = fs::file_size(old);
+        EXPECT_FALSE(doc.OnFileSave());
+        EXPECT_TRUE(doc.IsModified());
+        EXPECT_EQ(doc.GetPathName(), old);
+        EXPECT_EQ(TavixReadFile(old).frames.size(), 1u);
+        EXPECT_EQ(fs::file_size(old), bytes);
+        ASSERT_EQ(model.ui.messages.size(), 1u);
+        EXPECT_EQ(model.ui.messages[0].text.rfind("'" + old + "' was not saved:\n\n", 0), 0u)
+            << model.ui.messages[0].text;
+    }
+    EXPECT_EQ(folderEntries(folder.path()),
+              (std::vector<std::string>{"five.tvx", "old.fsh", "old.png", "old.tga"}));
+}
+
+TEST_F(FileTest, UndoingBackToTheSavedStateClearsTheModifiedFlag) {
+    openSource();
+    struct Step {
+        const char* what;
+        std::function<void()> act;
+        bool modified;
+    } steps[] = {
+        {"flip", [&] { doc.OnCmdMsg(ID_IMAGE_FLIP_HORIZONTAL); }, true},
+        {"undo", [&] { doc.OnCmdMsg(ID_EDIT_UNDO); }, false},
+        {"redo", [&] { doc.OnCmdMsg(ID_EDIT_UNDO); }, true},
+        {"save", [&] { ASSERT_TRUE(doc.OnFileSave()); }, false},
+        {"undo after the save", [&] { doc.OnCmdMsg(ID_EDIT_UNDO); }, true},
+        {"redo to the saved state", [&] { doc.OnCmdMsg(ID_EDIT_UNDO); }, false},
+        {"flip again", [&] { doc.OnCmdMsg(ID_IMAGE_FLIP_VERTICAL); }, true},
+        {"undo it", [&] { doc.OnCmdMsg(ID_EDIT_UNDO); }, false},
+    };
+    for (const Step& step : steps) {
+        step.act();
+        EXPECT_EQ(doc.IsModified(), step.modified) << step.what;
+    }
 }

@@ -1,5 +1,8 @@
 #include "ScriptedUi.h"
 
+#include "app/doc/ImageListClip.h"
+#include "app/doc/TavixImage.h"
+
 #include "app/doc/ProgressDlg.h"
 
 #include <stdexcept>
@@ -102,6 +105,19 @@ ScopedModel::ScopedModel()
 ScopedModel::~ScopedModel() {
     ZySetUi(m_previousUi);
     ZySetProfile(m_previousProfile);
+}
+
+void ScriptedUi::OfferClipboardImages(const std::vector<const CTavixImage*>& images) {
+    clipboard = EncodeImageList(images);
+}
+
+std::vector<std::string> ScriptedUi::GetClipboardFormats() const {
+    if (clipboard.empty()) return {};
+    return {"Zy Image List"};
+}
+
+std::vector<std::unique_ptr<CTavixImage>> ScriptedUi::ReadClipboardImages(const std::string&) {
+    return DecodeImageList(clipboard);
 }
 
 } // namespace zytest

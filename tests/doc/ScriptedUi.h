@@ -39,6 +39,8 @@ class ScriptedUi : public CUserInterface {
     // Also send crash lines through the real channel (CrashReport.h).
     bool forwardCrashReports = false;
     CCurrentColour colours[8];
+    // The clipboard: Zy's own image list block, empty for none.
+    std::string clipboard;
 
     // ---- Record --------------------------------------------------------
     std::vector<ShownMessage> messages;
@@ -63,6 +65,10 @@ class ScriptedUi : public CUserInterface {
     void Log(const std::string& line) override;
     void ReportCrash(const std::string& line) override;
     CCurrentColour GetCurrentColour(int number) const override;
+    void OfferClipboardImages(const std::vector<const CTavixImage*>& images) override;
+    std::vector<std::string> GetClipboardFormats() const override;
+    std::vector<std::unique_ptr<CTavixImage>>
+    ReadClipboardImages(const std::string& format) override;
 };
 
 // Installs a fresh ScriptedUi and an empty in-memory profile for the life

@@ -210,6 +210,17 @@ std::vector<Fixture> bitmapFixtures() {
         list.push_back({"16-bit 555 BI_RGB", "rgb16.bmp", b.bytes(), {1, 1, 32, 16, 0, 0}, {G}});
     }
     {
+        // Narrow channels widen by bit replication: red 28 of 31 -> 231,
+        // blue 3 of 31 -> 24 (rounding would give 230 and 25).
+        ByteBuilder b = bmpHeaders(1, 1, 16, 0, 0, 0);
+        b.u16(28 << 10 | 3).u16(0);
+        list.push_back({"16-bit 555 bit replication",
+                        "rep16.bmp",
+                        b.bytes(),
+                        {1, 1, 32, 16, 0, 0},
+                        {0xFFE70018}});
+    }
+    {
         // Version 5 header with an alpha mask.
         ByteBuilder b = bmpHeaders(2, 1, 32, 3, 0, 0, 124);
         b.u32(0x00FF0000).u32(0x0000FF00).u32(0x000000FF).u32(0xFF000000).zeros(124 - 56);

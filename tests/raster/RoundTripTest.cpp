@@ -18,10 +18,12 @@ namespace {
 struct Format {
     const char* driver;
     const char* extension;
-    bool paletteAlpha; // the format can store a palette entry's alpha
+    bool paletteAlpha; // a palette entry's alpha is stored in the palette
     int packedOnRead;  // -1: as written; else the fixed value the reader reports
 };
 
+// A bitmap's colour table has no alpha: its writer stores a palette image
+// with transparency as 32-bit colours, so no format loses alpha.
 const Format kFormats[] = {
     {"tga", ".tga", true, -1},
     {"png", ".png", true, 1},
@@ -109,12 +111,15 @@ TEST(RasterRoundTrip, EveryDriverKeepsEveryKindOfPixel) {
             EXPECT_EQ(back.driver, driverIndex(format.driver));
             ASSERT_EQ(back.info.width, kind.width);
             ASSERT_EQ(back.info.height, kind.height);
-            bool alphaKept = kind.alpha && (!kind.indexed || format.paletteAlpha);
+            bool alphaKept = kind.alpha;
             EXPECT_EQ(firstDifference(expectedColours(frame, alphaKept), back.argb), "");
             EXPECT_EQ(back.info.alphabits > 0, alphaKept);
             EXPECT_EQ(back.info.packed,
                       format.packedOnRead < 0 ? int(kind.packed) : format.packedOnRead);
-            if (kind.indexed) {
+            if (kind.indexed && kind.alpha && !format.paletteAlpha) {
+                EXPECT_EQ(back.info.bufferbpp, 32);
+                EXPECT_EQ(back.info.bpp, 32);
+            } else if (kind.indexed) {
                 EXPECT_EQ(back.info.bufferbpp, 8);
                 EXPECT_EQ(back.info.bpp, 8);
                 EXPECT_EQ(back.indices, patternIndices(kind.width, kind.height, 40));
@@ -223,6 +228,7 @@ TEST(RasterDrivers, WrittenLayoutsAreTheDocumentedOnes) {
     TavixFrame opaque = trueColourFrame(2, 1, {0xFF010203, 0xFF040506}, 8);
     TavixFrame clear = trueColourFrame(2, 1, {0x80010203, 0xFF040506}, 8);
     TavixFrame mapped = indexedFrame(2, 1, {0xFF010203, 0x40040506}, {0, 1}, 8);
+    TavixFrame solidMapped = indexedFrame(2, 1, {0xFF010203, 0xFF040506}, {0, 1}, 8);
     struct Case {
         const char* driver;
         const TavixFrame* frame;
@@ -230,7 +236,8 @@ TEST(RasterDrivers, WrittenLayoutsAreTheDocumentedOnes) {
         uint8_t depth;
     } cases[] = {
         {"tga", &opaque, 16, 24}, {"tga", &clear, 16, 32}, {"tga", &mapped, 7, 32},
-        {"bmp", &opaque, 28, 24}, {"bmp", &clear, 28, 32}, {"bmp", &mapped, 28, 8},
+        {"bmp", &opaque, 28, 24}, {"bmp", &clear, 28, 32}, {"bmp", &solidMapped, 28, 8},
+        {"bmp", &mapped, 28, 32}, // a colour table has no alpha: 32-bit colours instead
         {"png", &opaque, 25, 2},  {"png", &clear, 25, 6},  {"png", &mapped, 25, 3},
     };
     for (const Case& c : cases) {
@@ -241,8 +248,15 @@ TEST(RasterDrivers, WrittenLayoutsAreTheDocumentedOnes) {
         ASSERT_GT(bytes.size(), c.at);
         EXPECT_EQ(bytes[c.at], c.depth);
     }
+    // Targa rows run top to bottom and say so (descriptor bit 5), so that
+    // viewers which ignore a bottom-left origin still show them upright.
+    ASSERT_TRUE(writeImage(folder / "origin.tga", "tga", clear));
+    std::vector<uint8_t> tga = readBytes(folder / "origin.tga");
+    EXPECT_EQ(tga[17], 0x28); // top-left origin, 8 alpha bits
+    EXPECT_EQ(tga[18], 0x03); // first stored pixel: the top row's first, blue first
     // The alpha-carrying bitmap uses the version 4 header with an alpha mask.
-    std::vector<uint8_t> bmp = readBytes(folder / "layout.bmp"); // the mapped one: 40-byte header
+    ASSERT_TRUE(writeImage(folder / "solid.bmp", "bmp", solidMapped));
+    std::vector<uint8_t> bmp = readBytes(folder / "solid.bmp"); // 40-byte header
     EXPECT_EQ(bmp[14], 40);
     ASSERT_TRUE(writeImage(folder / "alpha.bmp", "bmp", clear));
     bmp = readBytes(folder / "alpha.bmp");

@@ -105,7 +105,9 @@ TEST_F(MipmapModule, LevelZeroIsAByteForByteCopyAtTheSourceSize) {
                     indexed.set(x, y, in.at(x, y) & 0xFF);
             in = indexed;
         }
-        for (int32_t method : {0, 1, 3}) {
+        // Method 3 reduces every level of an indexed source anew.
+        for (int32_t method :
+             bpp == 8 ? std::vector<int32_t>{0, 1} : std::vector<int32_t>{0, 1, 3}) {
             Chain chain = mipmap(in, {I(method), I(3)});
             ASSERT_FALSE(chain.levels.empty());
             for (int32_t y = 0; y < 10; ++y)
@@ -182,23 +184,61 @@ TEST_F(MipmapModule, IndexedSourcesKeepTheirPaletteFormat) {
     for (int32_t method : {1, 2, 3, 4}) {
         Chain chain = mipmap(in, {I(method), I(3)});
         ASSERT_EQ(chain.levels.size(), 3u) << method;
+        const bool reduced = method >= 3;
         for (const Picture& level : chain.levels) {
             EXPECT_EQ(level.info()->bufferbpp, 8) << method;
             EXPECT_EQ(level.info()->numcolours, 200) << method;
             EXPECT_EQ(level.info()->redbits, 6) << method;
-            EXPECT_EQ(memcmp(level.info()->colours, in.info()->colours, sizeof in.info()->colours),
+            // Reduced levels share a new palette in entries 0 .. 199; the
+            // entries beyond stay the source's.
+            const size_t kept = reduced ? 200 : 0;
+            EXPECT_EQ(memcmp(level.info()->colours + kept, in.info()->colours + kept,
+                             (256 - kept) * sizeof(TavixColour)),
                       0);
+            EXPECT_EQ(memcmp(level.info()->colours, chain.levels[0].info()->colours, 1024), 0);
         }
-        // Far from the seam every level keeps the two greys.
+        // Far from the seam every level keeps the two greys (at 6 bits a
+        // channel, 120 is held to 121).
         const Picture& last = chain.levels[2];
-        EXPECT_EQ(last.at(0, 0), 40u) << method;
-        EXPECT_EQ(last.at(15, 1), 120u) << method;
+        const TavixColour* palette = last.info()->colours;
+        EXPECT_EQ(palette[last.at(0, 0)].green, 40) << method;
+        EXPECT_NEAR(palette[last.at(15, 1)].green, 120, 1) << method;
     }
     // Method 2 on indices halves like Method 1: a seam pixel is one of the
     // two indices, never a filtered grey in between.
     Chain two = mipmap(in, {I(2), I(2)});
     Chain one = mipmap(in, {I(1), I(2)});
     EXPECT_EQ(two.levels[1].pixels, one.levels[1].pixels);
+}
+
+// An image owning entries 16 .. 31 of its palette keeps to them in every
+// level, made by the quantizer (Method 3) or painted (ClearLastN).
+TEST_F(MipmapModule, IndexedLevelsStayInTheImagesPaletteRange) {
+    Picture in(8, 8, 8);
+    for (int32_t i = 0; i < 256; ++i)
+        in.info()->colours[i] = TavixColour{0, 0, 0, 255};
+    for (int32_t i = 0; i < 16; ++i)
+        in.info()->colours[16 + i] = TavixColour{uint8_t(i * 16), uint8_t(255 - i * 16), 80, 255};
+    in.info()->startcolour = 16;
+    in.info()->numcolours = 16;
+    for (int32_t y = 0; y < 8; ++y)
+        for (int32_t x = 0; x < 8; ++x)
+            in.set(x, y, uint32_t(16 + (x + 2 * y) % 16));
+    const struct {
+        std::vector<ModuleValue> values;
+    } cases[] = {{{I(3), I(4)}}, {{I(1), I(4), I(1), I(8), I(8), I(2), U(0xFF00FF50)}}};
+    for (const auto& c : cases) {
+        Chain chain = mipmap(in, c.values);
+        ASSERT_EQ(chain.levels.size(), 4u);
+        for (const Picture& level : chain.levels) {
+            EXPECT_EQ(level.info()->startcolour, 16);
+            for (uint32_t index : level.image().px)
+                EXPECT_TRUE(index >= 16 && index < 32) << index;
+        }
+    }
+    // The painted levels take the owned entry nearest the background.
+    Chain painted = mipmap(in, cases[1].values);
+    EXPECT_EQ(painted.levels[3].at(0, 0), 18u); // blue 32, green 223 (a tie with 19)
 }
 
 TEST_F(MipmapModule, ProcessRefusesAResultOfTheWrongSize) {

@@ -6,8 +6,9 @@
 
 #include "UiTestSupport.h"
 
+#include "app/doc/CommandHandler.h"
 #include "app/ui/ChildFrame.h"
-#include "app/ui/CommandIds.h"
+#include "app/doc/CommandIds.h"
 #include "app/ui/ImageListView.h"
 #include "app/ui/MainFrame.h"
 #include "app/ui/OutputWindow.h"
@@ -19,9 +20,13 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
 #include <QFileInfo>
 #include <QLabel>
 #include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QToolBar>
@@ -190,6 +195,38 @@ TEST_F(FrameTest, OpensSeveralFilesSideBySideAndRemembersThem) {
     EXPECT_EQ(Frame()->PaneLabel(CMainFrame::IndexPane)->text(), "1/3 (index 0)");
 }
 
+TEST_F(FrameTest, TheDocumentACommandOrSaveRanOnStaysActive) {
+    const QString d1 = Write("d1.tvx", 2), s1 = Write("s1.tvx", 2);
+    ASSERT_TRUE(Start({d1, s1}));
+    QMdiArea* area = Frame()->MdiArea();
+    CChildFrame* second = nullptr;
+    for (CChildFrame* child : Frame()->Children())
+        if (child->Title() == "s1.tvx") second = child;
+    ASSERT_NE(second, nullptr);
+    area->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(second->parentWidget()));
+    ASSERT_EQ(Child(), second);
+    second->ListView()->First();
+    m_Script.m_FilePath = (m_Profile.Folder() + "/s2.tvx").toStdString();
+    m_Script.m_FileType = TavixFind("tvx");
+    for (unsigned id :
+         std::vector<unsigned>{FlipHorizontal, FileSave, Undo, FileSaveAs, FlipVertical}) {
+        Frame()->OnCommand(id);
+        QApplication::processEvents();
+        EXPECT_EQ(Child(), second) << id;
+        EXPECT_EQ(area->activeSubWindow(), second->parentWidget()) << id;
+    }
+    EXPECT_EQ(Child()->Title(), "s2.tvx");
+    // The next undo goes to the same document.
+    Frame()->OnCommand(Undo);
+    EXPECT_TRUE(second->GetDocument()->GetCommandHandler().IsUndone());
+    // Showing and closing the output window does not change it either.
+    Frame()->OutputWindow()->show();
+    Frame()->OutputWindow()->setFocus();
+    Frame()->OutputWindow()->close();
+    QApplication::processEvents();
+    EXPECT_EQ(Child(), second);
+}
+
 TEST_F(FrameTest, StartFailsWhenNoNamedFileOpens) {
     EXPECT_FALSE(Start({m_Profile.Folder() + "/missing.tvx"}));
     EXPECT_FALSE(m_Script.m_Messages.empty());
@@ -288,3 +325,52 @@ TEST_F(FrameTest, ClosingKeepsPlacementAndBarLayoutButNotAMaximisedOne) {
 }
 
 } // namespace
+
+TEST_F(FrameTest, CopyAndPasteGoThroughTheSystemClipboard) {
+    const QString path = Write("two.tvx", 2);
+    ASSERT_TRUE(Start({path}));
+    CTavixDoc* doc = Child()->GetDocument();
+    QGuiApplication::clipboard()->clear();
+    EXPECT_FALSE(Item(EditPaste)->isEnabled());
+    Child()->ListView()->First();
+    Frame()->OnCommand(EditCopy);
+    const QMimeData* offered = QGuiApplication::clipboard()->mimeData();
+    ASSERT_NE(offered, nullptr);
+    EXPECT_TRUE(offered->hasFormat("application/x-zy-image-list"));
+    const QImage png = QImage::fromData(offered->data("image/png"), "PNG");
+    EXPECT_EQ(png.pixel(0, 0), doc->GetImageAt(0)->GetPixelValue(0, 0));
+
+    EXPECT_TRUE(Item(EditPaste)->isEnabled());
+    Frame()->OnCommand(EditPaste);
+    ASSERT_EQ(doc->GetImageCount(), 3);
+    EXPECT_EQ(Item(Undo)->text().toStdString(), "Undo Paste\tCtrl+Z");
+    Frame()->OnCommand(Undo);
+    EXPECT_EQ(doc->GetImageCount(), 2);
+
+    // A bitmap from another program becomes a new image.
+    QImage other(3, 2, QImage::Format_ARGB32);
+    other.fill(0x80123456u);
+    auto* mime = new QMimeData;
+    mime->setImageData(other);
+    QGuiApplication::clipboard()->setMimeData(mime);
+    Frame()->OnCommand(EditPaste);
+    ASSERT_EQ(doc->GetImageCount(), 3);
+    EXPECT_EQ(doc->GetImageAt(2)->GetSize(), (CSize{3, 2}));
+    EXPECT_EQ(doc->GetImageAt(2)->GetPixelValue(2, 1), 0x80123456u);
+    EXPECT_TRUE(m_Script.m_Exceptions.empty());
+}
+
+TEST_F(FrameTest, ListItemsFollowTheSelection) {
+    const QString path = Write("two.tvx", 2);
+    ASSERT_TRUE(Start({path}));
+    Child()->ListView()->First();
+    for (unsigned id : {AddNewImage, Duplicate, Delete, Sort, BringForward, MoveDownFive, AlignLeft, SpaceAcross,
+                        CenterVertical, EditCut, EditCopy})
+        EXPECT_TRUE(Item(id)->isEnabled()) << id;
+    EXPECT_FALSE(Item(BlendImages)->isEnabled()) << "one image selected";
+    Frame()->OnCommand(EditSelectAll);
+    EXPECT_TRUE(Item(BlendImages)->isEnabled());
+    Frame()->OnCommand(Duplicate);
+    EXPECT_EQ(Child()->GetDocument()->GetImageCount(), 4);
+    EXPECT_EQ(Item(Undo)->text().toStdString(), "Can't Undo Duplicate\tCtrl+Z");
+}

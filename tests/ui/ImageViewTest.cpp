@@ -5,7 +5,7 @@
 #include "UiTestSupport.h"
 
 #include "app/doc/Hints.h"
-#include "app/ui/CommandIds.h"
+#include "app/doc/CommandIds.h"
 #include "app/ui/ImageView.h"
 
 #include <gtest/gtest.h>

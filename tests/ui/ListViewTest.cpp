@@ -6,13 +6,16 @@
 
 #include "app/doc/Hints.h"
 #include "app/ui/CaptionStrip.h"
-#include "app/ui/CommandIds.h"
+#include "app/doc/CommandIds.h"
 #include "app/ui/ImageListFormat.h"
+#include "app/ui/ImageListModel.h"
 #include "app/ui/ImageListView.h"
 
 #include <gtest/gtest.h>
 
 #include <QImage>
+
+#include <functional>
 
 using namespace uitest;
 using namespace ZyIds;
@@ -47,6 +50,11 @@ std::vector<std::string> names(const CTavixDoc& doc) {
 
 class ListViewTest : public ::testing::Test {
   protected:
+    std::string UndoText() {
+        CCmdUI ui(Undo);
+        m_Doc->OnUpdateCmdUI(&ui);
+        return ui.m_strText;
+    }
     void Open(int count) {
         m_View.reset();
         m_Doc = MakeDocument(count);
@@ -182,8 +190,8 @@ TEST_F(ListViewTest, SelectAllNoneAndInvert) {
     EXPECT_TRUE(selectedRows(*m_Doc).empty());
     m_View->OnCmdMsg(EditSelectAll);
     EXPECT_EQ(selectedRows(*m_Doc), (std::vector<int>{0, 1, 2, 3}));
-    EXPECT_EQ(m_View->FirstUnselected(), -1);
-    EXPECT_EQ(m_View->NextSelected(1), 2);
+    EXPECT_EQ(m_Doc->GetSelectionModel().FirstUnselected(), -1);
+    EXPECT_EQ(m_Doc->GetSelectionModel().NextSelected(1), 2);
 }
 
 TEST_F(ListViewTest, SelectByExpressionInEachMode) {
@@ -278,7 +286,7 @@ TEST_F(ListViewTest, MovingWithinTheDocument) {
     } cases[] = {
         {"onto a row below", {1}, 3, {"img0", "img2", "img3", "img1"}, 3},
         {"onto a row above", {3}, 1, {"img0", "img3", "img1", "img2"}, 1},
-        {"onto itself", {1}, 1, {"img0", "img1", "img2", "img3"}, 1},
+        {"onto itself", {1}, 1, {"img0", "img1", "img2", "img3"}, 0},
         {"below the last row", {0}, -1, {"img1", "img2", "img3", "img0"}, 3},
         {"bounded past the end", {0, 1}, 3, {"img2", "img3", "img0", "img1"}, 2},
         {"every row selected", {0, 1, 2, 3}, 2, {"img0", "img1", "img2", "img3"}, 0},
@@ -295,7 +303,7 @@ TEST_F(ListViewTest, MovingWithinTheDocument) {
     }
 }
 
-TEST_F(ListViewTest, DroppingFromAnotherDocumentCopies) {
+TEST_F(ListViewTest, DroppingFromAnotherDocumentCopiesAndSelectsThem) {
     Open(2);
     auto source = MakeDocument(3);
     std::vector<CTavixImage*> dragged = {source->GetImageAt(0), source->GetImageAt(2)};
@@ -319,6 +327,103 @@ TEST_F(ListViewTest, DroppingABitmapAppendsAFocusedImage) {
     EXPECT_EQ(image->GetPixelValue(1, 1), 0xFF0A141Eu);
     EXPECT_EQ(m_View->GetFocusIndex(), 2);
     EXPECT_EQ(selectedRows(*m_Doc), std::vector<int>{2});
+}
+
+// Left half red, right half blue: a flip shows at (0, 0).
+void paintHalves(CTavixImage& image) {
+    for (int y = 0; y < image.GetHeight(); ++y)
+        for (int x = 0; x < image.GetWidth(); ++x)
+            reinterpret_cast<uint32_t*>(image.GetRow(y))[x] =
+                x < image.GetWidth() / 2 ? 0xFFFF0000u : 0xFF0000FFu;
+}
+
+TEST_F(ListViewTest, DragAfterAFlipThenUndoPutsBackExactlyTheList) {
+    Open(3);
+    paintHalves(*m_Doc->GetImageAt(0));
+    const std::vector<CTavixImage*> original(m_Doc->GetImages().begin(), m_Doc->GetImages().end());
+    Select({0});
+    m_Doc->OnCmdMsg(FlipHorizontal);
+    CTavixImage* flipped = m_Doc->GetImageAt(0);
+    ASSERT_EQ(flipped->GetPixelValue(0, 0), 0xFF0000FFu);
+
+    m_View->DropImagePointers({flipped}, m_Doc.get(), -1); // below the last row
+    EXPECT_EQ(names(*m_Doc), (std::vector<std::string>{"img1", "img2", "img0"}));
+    EXPECT_EQ(UndoText(), "Undo Move Images\tCtrl+Z");
+
+    struct Step {
+        std::vector<std::string> order;
+        int focus;
+    } steps[] = {{{"img0", "img1", "img2"}, 0}, // undo the move
+                 {{"img1", "img2", "img0"}, 2}, // redo it
+                 {{"img0", "img1", "img2"}, 0}};
+    for (const Step& step : steps) {
+        m_Doc->OnCmdMsg(Undo);
+        EXPECT_EQ(names(*m_Doc), step.order);
+        EXPECT_EQ(m_View->GetFocusIndex(), step.focus);
+        EXPECT_EQ(selectedRows(*m_Doc), std::vector<int>{step.focus});
+        EXPECT_EQ(m_View->Model()->rowCount(), 3);
+    }
+    // The same three records, the flipped one still flipped.
+    EXPECT_EQ(m_Doc->GetImageAt(0), flipped);
+    EXPECT_EQ(m_Doc->GetImageAt(1), original[1]);
+    EXPECT_EQ(m_Doc->GetImageAt(2), original[2]);
+    EXPECT_EQ(flipped->GetPixelValue(0, 0), 0xFF0000FFu);
+}
+
+TEST_F(ListViewTest, DropsFromElsewhereAreUndoableInsertions) {
+    auto source = MakeDocument(3);
+    QImage bitmap(4, 3, QImage::Format_ARGB32);
+    bitmap.fill(QColor(10, 20, 30));
+    struct Case {
+        const char* what;
+        std::function<void(CImageListView&)> drop;
+        std::vector<std::string> after;
+        const char* undoText;
+    } cases[] = {
+        {"images of another document",
+         [&](CImageListView& view) {
+             view.DropImagePointers({source->GetImageAt(0), source->GetImageAt(2)}, source.get(),
+                                    1);
+         },
+         {"img0", "img0", "img2", "img1"},
+         "Undo Drop Images\tCtrl+Z"},
+        {"a bitmap",
+         [&](CImageListView& view) { view.DropBitmap(bitmap); },
+         {"img0", "img1", ""},
+         "Undo Drop Bitmap\tCtrl+Z"},
+    };
+    for (const Case& c : cases) {
+        Open(2);
+        m_View->DropImagePointers({}, source.get(), 0); // nothing dragged: nothing happens
+        EXPECT_EQ(UndoText(), "Can't Undo\tCtrl+Z") << c.what;
+        c.drop(*m_View);
+        EXPECT_EQ(names(*m_Doc), c.after) << c.what;
+        EXPECT_EQ(UndoText(), c.undoText) << c.what;
+        EXPECT_TRUE(m_Doc->IsModified()) << c.what;
+        m_Doc->OnCmdMsg(Undo);
+        EXPECT_EQ(names(*m_Doc), (std::vector<std::string>{"img0", "img1"})) << c.what;
+        EXPECT_EQ(m_View->Model()->rowCount(), 2) << c.what;
+        EXPECT_FALSE(m_Doc->IsModified()) << c.what; // back where it started
+        m_Doc->OnCmdMsg(Undo);                       // redo
+        EXPECT_EQ(names(*m_Doc), c.after) << c.what;
+    }
+    EXPECT_EQ(source->GetImageCount(), 3);
+}
+
+TEST_F(ListViewTest, EditingANameInPlaceIsAnUndoableRename) {
+    Open(2);
+    CImageListModel* model = m_View->Model();
+    const QModelIndex name = model->index(1, 0);
+    EXPECT_TRUE(model->flags(name) & Qt::ItemIsEditable);
+    EXPECT_FALSE(model->flags(model->index(1, 1)) & Qt::ItemIsEditable);
+    EXPECT_EQ(model->data(name, Qt::EditRole).toString(), "img1");
+    EXPECT_TRUE(model->setData(name, "ship", Qt::EditRole));
+    EXPECT_EQ(m_Doc->GetImageAt(1)->GetName(), "ship");
+    EXPECT_EQ(UndoText(), "Undo Rename\tCtrl+Z");
+    EXPECT_FALSE(model->setData(name, "ship", Qt::EditRole)); // unchanged: no command
+    m_Doc->OnCmdMsg(Undo);
+    EXPECT_EQ(m_Doc->GetImageAt(1)->GetName(), "img1");
+    EXPECT_EQ(model->data(name, Qt::DisplayRole).toString(), "img1");
 }
 
 TEST_F(ListViewTest, DeleteHintKeepsAFocusedSelectedImage) {

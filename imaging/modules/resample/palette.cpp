@@ -18,19 +18,6 @@ int32_t channel(uint32_t p, int c) {
     return static_cast<int32_t>((p >> (8 * c)) & 0xFF);
 }
 
-// Recently mapped colours, direct-mapped by a hash of the colour: texture
-// levels repeat their colours a great deal, and each search walks the
-// whole palette.
-struct NearestCache {
-    static constexpr int32_t kSlots = 4096;
-    uint32_t colour[kSlots];
-    int16_t index[kSlots]; // -1: empty
-};
-
-int32_t slotOf(uint32_t colour) {
-    return static_cast<int32_t>((colour * 2654435761u) >> 20);
-}
-
 } // namespace
 
 uint32_t palette_argb(const TavixInfo* info, int32_t index) {
@@ -43,9 +30,12 @@ int32_t palette_size(const TavixInfo* info) {
 }
 
 int32_t palette_nearest(const TavixInfo* info, uint32_t colour) {
-    int32_t best = 0, bestDistance = INT_MAX;
+    // The image owns entries startcolour .. startcolour + size - 1 only.
+    const int32_t start = info->startcolour > 0 && info->startcolour < 256 ? info->startcolour : 0;
+    const int32_t end = start + palette_size(info) < 256 ? start + palette_size(info) : 256;
+    int32_t best = start, bestDistance = INT_MAX;
     int channels = info->alphabits > 0 ? 4 : 3;
-    for (int32_t i = 0; i < palette_size(info); ++i) {
+    for (int32_t i = start; i < end; ++i) {
         uint32_t entry = palette_argb(info, i);
         int32_t distance = 0;
         for (int c = 0; c < channels; ++c)
@@ -80,32 +70,6 @@ bool indexed_to_argb(const ImageEntry& in, TavixInfo** info, uint8_t** pixels) {
     *info = record;
     *pixels = out;
     return true;
-}
-
-uint8_t* argb_to_indexed(const uint8_t* pixels, int32_t width, int32_t height,
-                         const TavixInfo* palette) {
-    int64_t count = int64_t{width} * height;
-    if (count > INT_MAX) return nullptr;
-    auto* out = static_cast<uint8_t*>(galloc(static_cast<int32_t>(count)));
-    auto* cache = static_cast<NearestCache*>(galloc(sizeof(NearestCache)));
-    if (out && cache) {
-        memset(cache->index, 0xFF, sizeof cache->index);
-        for (int64_t i = 0; i < count; ++i) {
-            uint32_t colour = module_load_argb(pixels + 4 * i);
-            int32_t slot = slotOf(colour);
-            if (cache->index[slot] < 0 || cache->colour[slot] != colour) {
-                cache->colour[slot] = colour;
-                cache->index[slot] = static_cast<int16_t>(palette_nearest(palette, colour));
-            }
-            out[i] = static_cast<uint8_t>(cache->index[slot]);
-        }
-    }
-    if (cache) gfree(cache);
-    if (out && !cache) {
-        gfree(out);
-        out = nullptr;
-    }
-    return out;
 }
 
 } // namespace resample

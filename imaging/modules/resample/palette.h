@@ -1,6 +1,6 @@
 #pragma once
-// Indexed images and 32-bit ones, both ways: expanding indices through the
-// palette, and mapping 32-bit pixels back onto a palette by nearest colour.
+// Palettes of indexed images: their entries, the nearest entry to a colour,
+// and expanding indices to 32-bit pixels.
 
 #include "imaging/module/module.h"
 
@@ -15,7 +15,8 @@ uint32_t palette_argb(const TavixInfo* info, int32_t index);
 // 1 .. 256, or 256 when it says none.
 int32_t palette_size(const TavixInfo* info);
 
-// The index of the palette entry nearest to `colour` (squared distance of
+// The index of the palette entry nearest to `colour` among the entries
+// the image owns, startcolour .. startcolour + palette_size - 1 (squared distance of
 // red, green and blue, and of alpha when the record has alpha bits; the
 // lowest index on ties).
 int32_t palette_nearest(const TavixInfo* info, uint32_t colour);
@@ -24,11 +25,5 @@ int32_t palette_nearest(const TavixInfo* info, uint32_t colour);
 // the palette kept in it) and unpadded pixels, both from galloc. False,
 // with nothing allocated, when memory is short.
 bool indexed_to_argb(const ImageEntry& in, TavixInfo** info, uint8_t** pixels);
-
-// Maps the unpadded 32-bit pixels of `width` x `height` onto the palette of
-// `palette` into new unpadded indexed pixels (galloc). Null when memory is
-// short.
-uint8_t* argb_to_indexed(const uint8_t* pixels, int32_t width, int32_t height,
-                         const TavixInfo* palette);
 
 } // namespace resample
