@@ -172,12 +172,6 @@ int module_close_instance(ModuleInstance* instance) {
     return gfree(instance);
 }
 
-int module_unavailable(const ModuleDecl& decl, ModuleInstance** out) {
-    if (out) *out = nullptr;
-    gprintf("%s - module not available yet\n", decl.name);
-    return 0;
-}
-
 bool module_instance_ok(const ModuleInstance* instance) {
     return instance && instance->state == 1 && instance->images && instance->imageCount >= 1 &&
            instance->images[0].info;

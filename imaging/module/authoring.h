@@ -81,10 +81,6 @@ int module_open_instance(const ModuleDecl& decl, ModuleInstance** out, int32_t i
 // The usual close: frees the instance. 0 for a null instance.
 int module_close_instance(ModuleInstance* instance);
 
-// Open of a module that cannot run (not written yet, or not on this
-// platform): stores null, prints one line and returns 0.
-int module_unavailable(const ModuleDecl& decl, ModuleInstance** out);
-
 // True when `instance` is an open instance with at least one image.
 bool module_instance_ok(const ModuleInstance* instance);
 
@@ -157,11 +153,6 @@ int module_plain_open(ModuleInstance** out, int32_t imageCount, const ImageEntry
     return module_open_instance(Decl, out, imageCount, images, valueCount, values);
 }
 
-template <const ModuleDecl& Decl>
-int module_refusing_open(ModuleInstance** out, int32_t, const ImageEntry*, int32_t,
-                         const ModuleValue*) {
-    return module_unavailable(Decl, out);
-}
 
 // The entry of a module with the usual describe, open and close.
 template <const ModuleDecl& Decl>
@@ -169,8 +160,3 @@ constexpr ModuleEntry module_entry(ModuleQueryFn query, ModuleProcessFn process)
     return {module_describer<Decl>, module_plain_open<Decl>, query, process, module_close_instance};
 }
 
-// The entry of a module that describes itself but cannot run: open
-// refuses with one line, so no caller ever reaches query or process.
-template <const ModuleDecl& Decl>
-constexpr ModuleEntry module_unavailable_entry = {
-    module_describer<Decl>, module_refusing_open<Decl>, nullptr, nullptr, module_close_instance};
