@@ -128,6 +128,16 @@ void CImportCmd::Do() {
     m_Progress.reset();
     CInsertHint hint(m_First, m_ImportedCount);
     m_pDoc->UpdateAllViews(nullptr, 0, &hint);
+    ReportFailures();
+}
+
+void CImportCmd::ReportFailures() {
+    if (m_Failures.empty()) return;
+    std::string text;
+    for (const std::string& failure : m_Failures)
+        text += (text.empty() ? "" : "\n\n") + failure;
+    m_Failures.clear();
+    ZyUi().MessageBox(text, MsgButtons::OK, MsgIcon::Warning);
 }
 
 void CImportCmd::ImportPath(const std::string& path, bool insideFolder) {
@@ -155,8 +165,9 @@ void CImportCmd::ImportFile(const std::string& path) {
     int driver = kNoFileType;
     try {
         driver = frames.ReadFile(path, false);
-    } catch (const CFileException&) {
-        // The read has told the user; go on with the next path.
+    } catch (const CFileException& failure) {
+        // Told once at the end, so that one bad file does not stop the rest.
+        m_Failures.push_back(failure.what());
         for (CTavixImage* image : frames)
             delete image;
         return;

@@ -85,6 +85,8 @@ class CImportCmd : public CCommand {
   private:
     void ImportPath(const std::string& path, bool insideFolder);
     void ImportFile(const std::string& path);
+    // Shows the reasons of the files that could not be read, in one message.
+    void ReportFailures();
     void NameAndComment(CTavixImage& image, const std::string& path, bool singleFrame,
                         int driver) const;
 
@@ -92,6 +94,7 @@ class CImportCmd : public CCommand {
     int m_ImportedCount = 0;
     bool m_Cancelled = false;
     std::unique_ptr<CImportProgressDlg> m_Progress;
+    std::vector<std::string> m_Failures; // one reason per file that could not be read
     int m_First = 0;
     // The imported images while they are out of the document (after Undo).
     std::vector<std::unique_ptr<CTavixImage>> m_Removed;

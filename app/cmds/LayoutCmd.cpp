@@ -185,7 +185,30 @@ void CLayoutCmd::Redo() {
     Swap(true);
 }
 
+std::vector<CDialogField> CLayoutDlgData::GetFields() {
+    constexpr double kMaxSide = 1 << 20;
+    return {
+        {"m_X", CDialogField::Integer, &m_X, -kMaxSide, kMaxSide, "", "Left"},
+        {"m_Y", CDialogField::Integer, &m_Y, -kMaxSide, kMaxSide, "", "Top"},
+        {"m_Width", CDialogField::Integer, &m_Width, 1, kMaxSide, "", "Width"},
+        {"m_Height", CDialogField::Integer, &m_Height, 1, kMaxSide, "", "Height"},
+        {"m_Rotate", CDialogField::Integer, &m_Rotate, 0, 1, "", "Shapes can be rotated"},
+        {"m_Platform", CDialogField::Integer, &m_Platform, 0, kLayoutPlatformCount - 1, "",
+         "Target platform"},
+        {"m_CheckUVs", CDialogField::Integer, &m_CheckUVs, 0, 1, "", "Respect Texture Pages"},
+        {"m_CheckEdges", CDialogField::Integer, &m_CheckEdges, 0, 1, "",
+         "Check Texture Page Edges"},
+        {"m_AllShapes", CDialogField::Integer, &m_AllShapes, 0, 1, "",
+         "Layout all shapes in file"},
+    };
+}
+
 CLayoutInfo::CLayoutInfo() : CCommandInfo(ID_IMAGE_LAYOUT_WIZARD, [] { return new CLayoutCmd; }) {}
+
+std::vector<std::string> CLayoutInfo::GetSettingKeys() const {
+    CLayoutDlgData data;
+    return DialogKeys(data);
+}
 
 namespace {
 CLayoutInfo g_layoutInfo;

@@ -51,6 +51,7 @@ struct CLayoutDlgData : CDialogData {
     int m_CheckEdges = 1; // "Check Texture Page Edges"
     int m_AllShapes = 1;  // "Layout all shapes in file"
     const char* GetDialogName() const override { return "CLayoutDlg"; }
+    std::vector<CDialogField> GetFields() override;
 };
 
 class CLayoutCmd : public CCommand {
@@ -87,6 +88,7 @@ class CLayoutCmd : public CCommand {
 class CLayoutInfo : public CCommandInfo {
   public:
     CLayoutInfo();
+    std::vector<std::string> GetSettingKeys() const override;
 };
 
 // A copy of `image` turned a quarter clockwise: pixels, centre point and hot

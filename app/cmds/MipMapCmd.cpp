@@ -137,7 +137,26 @@ void CMipMapCmd::Undo() {
     m_pDoc->UpdateAllViews(nullptr, 0, &hint);
 }
 
+std::vector<CDialogField> CMipMapDlgData::GetFields() {
+    return {{"m_Count", CDialogField::Integer, &m_Count, CMipMapCmd::kMinCount,
+             CMipMapCmd::kMaxCount, "", "Number of mip maps to create:"}};
+}
+
+std::vector<CDialogField> CMipMapMethData::GetFields() {
+    return {{"m_Method", CDialogField::Choice, &m_Method, 0, kMipMapMethodCount - 1,
+             "Halfsize,Scale,Shared palette", "Method"}};
+}
+
 CMipMapInfo::CMipMapInfo() : CCommandInfo(ID_CREATE_MIP_MAPS, [] { return new CMipMapCmd; }) {}
+
+std::vector<std::string> CMipMapInfo::GetSettingKeys() const {
+    CMipMapDlgData count;
+    CMipMapMethData method;
+    std::vector<std::string> keys = DialogKeys(count);
+    for (std::string& key : DialogKeys(method))
+        keys.push_back(std::move(key));
+    return keys;
+}
 
 namespace {
 CMipMapInfo g_mipMapInfo;

@@ -24,6 +24,7 @@ class CTavixImage;
 struct CMipMapDlgData : CDialogData {
     int m_Count = 1;
     const char* GetDialogName() const override { return "CMipMapDlg"; }
+    std::vector<CDialogField> GetFields() override;
 };
 
 // How the levels of palette images are made (section "CMipMapMeth", value
@@ -45,6 +46,7 @@ inline constexpr int kMipMapMethodCount = static_cast<int>(std::size(kMipMapMeth
 struct CMipMapMethData : CDialogData {
     int m_Method = 0; // index in kMipMapMethods
     const char* GetDialogName() const override { return "CMipMapMeth"; }
+    std::vector<CDialogField> GetFields() override;
 };
 
 class CMipMapCmd : public CCommand {
@@ -75,4 +77,5 @@ class CMipMapCmd : public CCommand {
 class CMipMapInfo : public CCommandInfo {
   public:
     CMipMapInfo();
+    std::vector<std::string> GetSettingKeys() const override;
 };

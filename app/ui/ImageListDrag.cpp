@@ -1,5 +1,6 @@
 #include "app/ui/ImageListDrag.h"
 
+#include "app/doc/ImageListClip.h"
 #include "app/doc/TavixDoc.h"
 #include "app/ui/QtImage.h"
 
@@ -88,6 +89,6 @@ QVariant CImageListViewDataSource::retrieveData(const QString& type, QMetaType p
 }
 
 bool IsAcceptableDrop(const QMimeData* mime) {
-    return mime && (mime->hasFormat(kImageListMimeType) || mime->hasFormat("image/png") ||
-                    mime->hasImage() || mime->hasUrls());
+    return mime && (mime->hasFormat(kImageListMimeType) || mime->hasFormat(kImageListClipFormat) ||
+                    mime->hasFormat("image/png") || mime->hasImage() || mime->hasUrls());
 }

@@ -1,7 +1,8 @@
 #pragma once
 // What the shape list puts on a drag: the private type that carries the
-// dragged image records between the documents of this process, and, for a
-// single image, a PNG that other programs can take.
+// dragged image records between the documents of this process, the whole
+// records in the clipboard format (app/doc/ImageListClip.h) for another Zy
+// process, and, for a single image, a PNG that other programs can take.
 //
 // The private block holds addresses, meaningful only inside this process;
 // a block is trusted only while its source document has a shape list open
@@ -15,8 +16,9 @@
 class CTavixDoc;
 class CTavixImage;
 
-// The private drag type: in-process addresses of image records.
-constexpr const char* kImageListMimeType = "application/x-zy-image-list";
+// The private drag type: in-process addresses of image records. Its own
+// name, so that no one mistakes a block of addresses for whole records.
+constexpr const char* kImageListMimeType = "application/x-zy-image-drag";
 
 // Documents with an open shape list, and the drag under way in this
 // process (its source document; null when none).

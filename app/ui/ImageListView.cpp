@@ -3,6 +3,7 @@
 #include "app/doc/Command.h"
 #include "app/doc/CommandHandler.h"
 #include "app/doc/Hints.h"
+#include "app/doc/ImageListClip.h"
 #include "app/doc/ListEditCmds.h"
 #include "app/doc/Profile.h"
 #include "app/doc/TavixDoc.h"
@@ -444,6 +445,8 @@ void CImageListView::startDrag(Qt::DropActions) {
     if (images.empty()) return;
     auto* mime = new CImageListViewDataSource(images.size() == 1 ? images.front() : nullptr);
     mime->setData(kImageListMimeType, EncodeImages(images));
+    const std::vector<const CTavixImage*> records(images.begin(), images.end());
+    mime->setData(kImageListClipFormat, QByteArray::fromStdString(EncodeImageList(records)));
     SetDragSourceDocument(m_Doc);
     auto* drag = new QDrag(this);
     drag->setMimeData(mime);
@@ -470,15 +473,22 @@ void CImageListView::dragMoveEvent(QDragMoveEvent* event) {
 }
 
 void CImageListView::dropEvent(QDropEvent* event) {
-    const QMimeData* mime = event->mimeData();
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    if (mime->hasFormat(kImageListMimeType)) {
+    const QModelIndex target = indexAt(event->position().toPoint());
+    DropMime(event->mimeData(), target.isValid() ? target.row() : -1);
+}
+
+void CImageListView::DropMime(const QMimeData* mime, int row) {
+    if (mime->hasFormat(kImageListMimeType) && DragSourceDocument()) {
         CTavixDoc* source = DragSourceDocument();
-        const std::vector<CTavixImage*> images =
-            DecodeImages(mime->data(kImageListMimeType), source);
-        const QModelIndex target = indexAt(event->position().toPoint());
-        DropImagePointers(images, source, target.isValid() ? target.row() : -1);
+        DropImagePointers(DecodeImages(mime->data(kImageListMimeType), source), source, row);
+        return;
+    }
+    if (mime->hasFormat(kImageListClipFormat)) {
+        // Whole records from another Zy process.
+        auto images = DecodeImageList(mime->data(kImageListClipFormat).toStdString());
+        if (!images.empty()) Run(new CInsertImagesCmd(std::move(images), row, "Drop Images"));
         return;
     }
     if (mime->hasFormat("image/png")) {

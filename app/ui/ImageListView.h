@@ -24,6 +24,7 @@
 class CCommand;
 class CImageListModel;
 class CTavixDoc;
+class QMimeData;
 class CTavixImage;
 class TCaptionStrip;
 
@@ -79,6 +80,8 @@ class CImageListView : public QTableView, public CView, public CCommandTarget {
     // for the tests). `row` is the row dropped on, -1 below the last.
     void DropImagePointers(const std::vector<CTavixImage*>& images, CTavixDoc* source, int row);
     void DropBitmap(const QImage& image);
+    // What a drop of `mime` above `row` (-1: below the last) does.
+    void DropMime(const QMimeData* mime, int row);
 
     // Starts editing the focused image's name in place (F2).
     void EditFocusedName();

@@ -539,6 +539,48 @@ TEST_F(ZytoolCommand, DialogFieldsComeFromSettings) {
     EXPECT_NE(bad.err.find("CInsertDlg/m_Width: '0' does not fit"), std::string::npos) << bad.err;
 }
 
+TEST_F(ZytoolCommand, LayoutAndMipMapsTakeTheirDialogValues) {
+    std::string in = three(); // c 6x3, a 4x3, b 5x3
+    ToolRun keys = zytool("commands --keys LayoutWizard", m_folder);
+    EXPECT_NE(keys.out.find("CLayoutDlg/m_Width\n"), std::string::npos) << keys.out;
+    EXPECT_NE(keys.out.find("CLayoutDlg/m_AllShapes\n"), std::string::npos) << keys.out;
+
+    // A strip 7 wide holds one image per row: no two may overlap.
+    ToolRun layout = zytool("command LayoutWizard --set CLayoutDlg/m_Width=7 "
+                            "--set CLayoutDlg/m_Height=64 " +
+                                in + " " + out(),
+                            m_folder);
+    ASSERT_EQ(layout.status, 0) << layout.err;
+    std::vector<std::pair<int, int>> rows; // top, bottom
+    for (const TavixFrame& frame : TavixReadFile(out()).frames) {
+        const TavixInfo& info = *frame.info;
+        EXPECT_GE(info.defaultx, 0) << info.framename;
+        EXPECT_LE(info.defaultx + info.width, 7) << info.framename;
+        EXPECT_LE(info.defaulty + info.height, 64) << info.framename;
+        for (const auto& [top, bottom] : rows)
+            EXPECT_TRUE(info.defaulty >= bottom || info.defaulty + info.height <= top)
+                << info.framename;
+        rows.emplace_back(info.defaulty, info.defaulty + info.height);
+    }
+    ToolRun tooWide = zytool("command LayoutWizard --set CLayoutDlg/m_Platform=99 " + in + " " +
+                                 out("x.fsh"),
+                             m_folder);
+    EXPECT_NE(tooWide.status, 0);
+    EXPECT_FALSE(std::filesystem::exists(out("x.fsh")));
+
+    // Two levels after the first image only: 6x3 gives 3x1 and 1x1.
+    ToolRun mips = zytool(
+        "command CreateMipMaps --select 0 --set CMipMapDlg/m_Count=2 " + in + " " + out(),
+        m_folder);
+    ASSERT_EQ(mips.status, 0) << mips.err;
+    TavixReadResult back = TavixReadFile(out());
+    ASSERT_EQ(back.frames.size(), 5u);
+    EXPECT_EQ(std::string(back.frames[0].info->framename), "c");
+    EXPECT_EQ(back.frames[1].info->width, 3);
+    EXPECT_EQ(back.frames[2].info->width, 1);
+    EXPECT_EQ(std::string(back.frames[3].info->framename), "a");
+}
+
 TEST_F(ZytoolCommand, ListsCommandsAndRefusesUnknownOnes) {
     ToolRun list = zytool("commands", m_folder);
     EXPECT_NE(list.out.find("35082  Duplicate            Duplicate the selected images\n"),

@@ -5,8 +5,10 @@
 #include "UiTestSupport.h"
 
 #include "app/doc/Hints.h"
+#include "app/doc/ImageListClip.h"
 #include "app/ui/CaptionStrip.h"
 #include "app/doc/CommandIds.h"
+#include "app/ui/ImageListDrag.h"
 #include "app/ui/ImageListFormat.h"
 #include "app/ui/ImageListModel.h"
 #include "app/ui/ImageListView.h"
@@ -14,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <QMimeData>
 
 #include <functional>
 
@@ -391,6 +394,25 @@ TEST_F(ListViewTest, DropsFromElsewhereAreUndoableInsertions) {
          [&](CImageListView& view) { view.DropBitmap(bitmap); },
          {"img0", "img1", ""},
          "Undo Drop Bitmap\tCtrl+Z"},
+        {"whole records from another Zy process",
+         [&](CImageListView& view) {
+             QMimeData mime;
+             mime.setData(kImageListClipFormat, QByteArray::fromStdString(EncodeImageList(
+                                                    {source->GetImageAt(2)})));
+             view.DropMime(&mime, 0);
+         },
+         {"img2", "img0", "img1"},
+         "Undo Drop Images\tCtrl+Z"},
+        {"a block of addresses with no drag under way in this process",
+         [&](CImageListView& view) {
+             QMimeData mime;
+             mime.setData(kImageListMimeType, EncodeImages({source->GetImageAt(1)}));
+             mime.setData(kImageListClipFormat, QByteArray::fromStdString(EncodeImageList(
+                                                    {source->GetImageAt(1)})));
+             view.DropMime(&mime, -1);
+         },
+         {"img0", "img1", "img1"},
+         "Undo Drop Images\tCtrl+Z"},
     };
     for (const Case& c : cases) {
         Open(2);
