@@ -1,5 +1,14 @@
 // Blend ("Composite Blend"): lays the second image over the first; the compositing operator.
 // The work is in imaging/blend/blend.h; one image alone is laid over Colour.
+//
+// Values: Method (0 Alpha, 1 Paste, 2 Sub, 3 Add, 4 Remove, 5 psnr, 6
+// prealpha, 7 multiple, 8 screen, 9 overlay, 10 tmask: how the second
+// image combines with what lies under it), Colour (0xAARRGGBB, the ground
+// under the first image), Foreground and Background Percentage (percent,
+// -200 .. 200: every channel of the first, resp. second, image is scaled
+// by it), Mask (one byte per channel; a 0 byte keeps the lower value) and
+// Palette Method (indexed images: 0 Combine, 1 the first image's palette,
+// 2 the second's). blend.h gives the rules in full.
 
 #include "imaging/blend/blend.h"
 #include "imaging/module/authoring.h"

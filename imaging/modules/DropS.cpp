@@ -6,9 +6,11 @@
 // falls on the plane at height ShadowPlaneOffset. The shadow is what the
 // picture's alpha blocks of the light.
 //
-// - LightType 0, a point light at (LightLocx, LightLocy, LightLocz); 1, a
-//   distant light shining along (LightDirx, LightDiry, -1), so the shadow
-//   moves by LightDir times the planes' distance; 2, an area light: a grid
+// - LightType 0, a point light at (LightLocx, LightLocy, LightLocz), its
+//   z measured up from the shadow plane (a light no higher than the
+//   picture casts nothing); 1, a distant light shining along (LightDirx,
+//   LightDiry, -1), so the shadow moves by LightDir times the planes'
+//   distance; 2, an area light: a grid
 //   of AreaNumLightW x AreaNumLightH point lights spread over the
 //   parallelogram ArAxis1 x ArAxis2 centred on LightLoc, for soft edges.
 // - ShadowColourR/G/B is the shadow's colour; LightCoefficient (0 .. 1) its

@@ -7,7 +7,31 @@
 // Values (a slot not passed takes the fallback in brackets): Method [3],
 // Levels [10], MinLevels [1], Width and Height of level 0 [the source's],
 // ClearLastN [0], Background Colour [0], Transparency Flag [0], Mipmap
-// Collapse Flag [0].
+// Collapse Flag [0]. What they do:
+// - Method, how each level is made from the one before: 0 Scale (nearest
+//   pixel), 1 Halfsize (2 x 2 blocks averaged), 2 Size with Lanczos3, 3
+//   (and any other value) as 2 for 32-bit sources. Indexed sources: 0 and
+//   1 work on the indices; 2 is taken as 1; 3 and above make every level
+//   in 32 bits and reduce them together onto one palette (see
+//   reduceLevels). The descriptor's range is 1 .. 5, default 1. Level 0,
+//   when Width and Height differ from the source's size, is made by Size
+//   (Point for method 1, else Lanczos3) from 32-bit pixels and by Scale
+//   from indices.
+// - Levels (1 .. 200): the most levels to make. The size allows
+//   round(log2(smaller side of level 0)) + 1 of them (the larger side when
+//   Levels is 16), and halving never goes below 1 pixel (see levelCount).
+// - MinLevels (1 .. 20): the fewest levels, within what halving allows.
+// - Width, Height (pixels): the size of level 0; level i is Width >> i by
+//   Height >> i.
+// - ClearLastN (0 .. 199): the last N levels are painted all over with
+//   Background Colour (0xAARRGGBB; an indexed level takes the nearest
+//   palette entry), so a far-away texture fades to a plain colour.
+// - Transparency Flag (0 or 1): passed to Size as Respect Alpha, so
+//   transparent pixels do not bleed into the filtered levels.
+// - Mipmap Collapse Flag (0 or 1): 0 marks every level, level 0 too, as a
+//   mip level in its record; 1 clears that mark, so the levels stand as
+//   separate images.
+// Levels from 1 on are named after the source with "_mm01", "_mm02" ...
 //
 // Levels of 1 and above are made from the level before them, whatever the
 // method: a chain then costs about a third more than its first halving,

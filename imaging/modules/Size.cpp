@@ -9,6 +9,22 @@
 //
 // Size reads and writes 32-bit pixels; callers convert indexed images
 // first. The pixel work is resample_argb() (resample/resampler.h).
+//
+// What the values mean:
+// - Width, Height: the result's size in pixels (at least 1; 0 when not
+//   passed, so a caller always passes them).
+// - Filter Function (0 .. 7): the kernel, Lanczos3, Mitchell, Cubic,
+//   Linear, Point, Bell, B-Spline, Quadratic; any other value is Lanczos3.
+// - Respect Alpha (0 or 1): 1 leaves transparent pixels out of the
+//   filter, so their colour does not bleed into the edge; with Chromakey
+//   Colour 0 these are the pixels of alpha 0, otherwise those equal to it
+//   in all 32 bits. A result pixel whose neighbourhood is less than 30%
+//   covered by the others becomes the key colour: Chromakey Colour, else
+//   the first transparent source pixel, else 0x0000FFFF.
+// - Chromakey Colour (0xAARRGGBB, default 0): see Respect Alpha.
+// - Scale Ratio X and Y (reals): with all nine slots passed, how the
+//   record's points are scaled instead of by the size ratio.
+// A result record with 0 alpha bits gets opaque pixels.
 
 #include "imaging/galloc.h"
 #include "imaging/module/authoring.h"

@@ -1,6 +1,20 @@
 // Xcolour ("Xcolour Image"): masked colour search and replace. It works on
 // the palette (through query output) and on 32-bit pixels (through
 // process), so an indexed image changes through its palette alone.
+//
+// Values (32-bit 0xAARRGGBB words):
+// - Search: the colour looked for. A colour matches when its bits under
+//   SearchMask equal Search; Search is not masked itself, so a bit of
+//   Search outside SearchMask makes it match nothing.
+// - Replace: what a matching colour becomes, in the bits of ReplaceMask;
+//   the other bits keep the colour's own.
+// - SearchMask, ReplaceMask: which bits count (0x00FFFFFF: colour without
+//   alpha; 0xFF000000: alpha alone). The descriptor offers 0, but a caller
+//   that passes no masks gets 0xFFFFFFFF, whole colours.
+// - SearchNot (0 or 1, default 0): 1 replaces every colour that does not
+//   match instead; any value other than 0 and 1 replaces every colour.
+// Example: Search 0xFFFF00FF, Replace 0x00000000, masks 0xFFFFFFFF turns
+// opaque magenta into transparent black.
 
 #include "imaging/module/authoring.h"
 #include "imaging/modules/modules.h"
