@@ -20,8 +20,13 @@
 
 namespace {
 
-constexpr ModuleDecl kDecl = {
-    .magic = "PSNR", .name = "Psnr", .description = "Psnr", .version = "1.27"};
+// Two images: the second is the one measured against the first.
+constexpr ModuleDecl kDecl = {.magic = "PSNR",
+                              .name = "Psnr",
+                              .description = "Psnr",
+                              .version = "1.27",
+                              .images = 2,
+                              .secondCount = 2};
 
 double decibels(double squaredError, double count) {
     if (squaredError <= 0.0) return INFINITY;

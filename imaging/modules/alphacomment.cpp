@@ -52,26 +52,39 @@ int readBit(const ImageEntry& in, int64_t i) {
     return module_row(in, y)[4 * x + 3] & 1;
 }
 
-// The text hidden in `in`, up to kMaxText characters, into `text`.
-void readText(const ImageEntry& in, char* text) {
+// Whether `c` can be part of a hidden text: printable characters, tabs and
+// line ends, and the bytes of UTF-8 sequences.
+bool textByte(int c) {
+    return c >= 0x20 ? c != 0x7F : c == '\t' || c == '\r' || c == '\n';
+}
+
+// The text hidden in `in`, up to kMaxText characters, into `text`. An image
+// whose low alpha bits are not a zero-ended text (an opaque sprite reads as
+// 0xFF bytes) holds none: `text` is then empty and the answer false.
+bool readText(const ImageEntry& in, char* text) {
     int64_t bits = static_cast<int64_t>(in.info->width) * in.info->height;
-    int32_t length = 0;
-    for (; length < kMaxText && (length + 1) * 8 <= bits; ++length) {
+    for (int32_t length = 0; length <= kMaxText && (length + 1) * 8 <= bits; ++length) {
         int c = 0;
         for (int b = 0; b < 8; ++b)
             c = (c << 1) | readBit(in, length * 8 + b);
-        if (c == 0) break;
+        if (c == 0) {
+            text[length] = '\0';
+            return true;
+        }
+        if (!textByte(c) || length == kMaxText) break;
         text[length] = static_cast<char>(c);
     }
-    text[length] = '\0';
+    text[0] = '\0';
+    return false;
 }
 
 TavixInfo* query(ModuleInstance* instance, int32_t) {
     if (!module_instance_ok(instance)) return nullptr;
     const ImageEntry& in = instance->images[0];
     TavixInfo* info = module_copy_info(in.info);
-    if (info && extracting(instance) && in.pixels && in.info->bufferbpp > 8)
-        readText(in, info->comment);
+    char text[kMaxText + 1];
+    if (info && extracting(instance) && in.pixels && in.info->bufferbpp > 8 && readText(in, text))
+        memcpy(info->comment, text, strlen(text) + 1);
     return info;
 }
 
@@ -98,8 +111,10 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
     if (extracting(instance)) {
         char text[kMaxText + 1];
         ImageEntry copy{in.info, pixels, rowbytes};
-        readText(copy, text);
-        gprintf("alphacomment - %s\n", text);
+        if (readText(copy, text))
+            gprintf("alphacomment - %s\n", text);
+        else
+            gprintf("alphacomment - the image holds no hidden text\n");
         return 1;
     }
     char text[kMaxText + 1];

@@ -43,7 +43,7 @@ const std::vector<ExpectedModule> kExpected = {
     {3, "alphacomment", "Imbed comment in alpha", "1.00", "ACMT", 3, 1, 0, false, {{"", "addextract"}}},
     {4, "ACopy", "Alpha Copy", "1.02", "ACPY", 3, 1, 0, false, {{"method", "rgb,alpha"}}},
     {5, "Blend", "Composite Blend", "1.23", "BLND", 2, 2, 2, false, {{"Method", "Alpha,Paste,Sub,Add,Remove,psnr,prealpha,multiple,screen,overlay,tmask"}, {"Colour", nullptr}, {"Foreground Percentage", nullptr}, {"Background Percentage", nullptr}, {"Mask", nullptr}, {"Palette Method", "Combine,Background,Foreground"}}},
-    {6, "Psnr", "Psnr", "1.27", "PSNR", 3, 1, 0, false, {}},
+    {6, "Psnr", "Psnr", "1.27", "PSNR", 3, 2, 2, false, {}},
     {7, "Blur", "Gausian Blur", "1.00", "BLUR", 3, 1, 0, false, {}},
     {8, "FChanmap", "Chanmap", "1.01", "FLIP", 3, 1, 0, false, {}},
     {9, "Chroma", "Chroma Key", "1.00", "", 3, 1, 1, false, {{"Tolerance", nullptr}}},

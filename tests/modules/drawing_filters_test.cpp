@@ -157,6 +157,17 @@ TEST_F(Drawing, CommentHiddenInAlphaComesBack) {
     EXPECT_STREQ(extracted.info()->comment, "Hi");
     ASSERT_EQ(PrintCapture::lines().size(), 1u);
     EXPECT_EQ(PrintCapture::lines()[0], "alphacomment - Hi\n");
+
+    // Opaque pixels read as 0xFF bytes with no end: no text, and the comment stays.
+    TestImage opaque(9, 3, 32);
+    fillImage(opaque, 0xFF102030);
+    strcpy(opaque.info()->comment, "kept");
+    PrintCapture none;
+    FilterResult nothing;
+    runFilter(nothing, "alphacomment", opaque, {I(1)});
+    EXPECT_STREQ(nothing.info()->comment, "kept");
+    ASSERT_EQ(PrintCapture::lines().size(), 1u);
+    EXPECT_EQ(PrintCapture::lines()[0], "alphacomment - the image holds no hidden text\n");
 }
 
 TEST_F(Drawing, PsnrReportsThroughThePrintHook) {
