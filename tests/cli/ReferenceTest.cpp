@@ -166,7 +166,8 @@ TEST_F(Reference, RotateByZeroAndByAQuarter) {
 // BT.601 luma (0.299, 0.587, 0.114), which -fx states exactly; ImageMagick's
 // own "-grayscale Rec601Luma" uses 0.298839, 0.586811 and 0.114350, so a
 // few pixels (11 of the 2112 of the snowball) round the other way - within
-// 0.53 of a level. (-colorspace Gray works in linear light and is no match.)
+// 0.53 of a level. (-colorspace Gray weighs by Rec. 709, 0.2126, 0.7152 and
+// 0.0722, whatever -intensity says, and is no match.)
 TEST_F(Reference, PointOperationsAreExact) {
     const Check checks[] = {
         {"invert", "-negate", "AE", 0},
