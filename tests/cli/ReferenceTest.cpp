@@ -167,7 +167,11 @@ TEST_F(Reference, RotateByZeroAndByAQuarter) {
 // own "-grayscale Rec601Luma" uses 0.298839, 0.586811 and 0.114350, so a
 // few pixels (11 of the 2112 of the snowball) round the other way - within
 // 0.53 of a level. (-colorspace Gray weighs by Rec. 709, 0.2126, 0.7152 and
-// 0.0722, whatever -intensity says, and is no match.)
+// 0.0722, whatever -intensity says, and is no match.) HSL turns hue and
+// lowers saturation as -modulate does in its default HSL; raising it
+// differs on purpose: ours holds saturation at full, where ImageMagick lets
+// it pass 1 and clips the channels, which brightens saturated dark reds of
+// the snowball by up to 51 levels.
 TEST_F(Reference, PointOperationsAreExact) {
     const Check checks[] = {
         {"invert", "-negate", "AE", 0},
@@ -178,6 +182,8 @@ TEST_F(Reference, PointOperationsAreExact) {
         {"Gamma 1 2.2 2.2 2.2", "-gamma 2.2", "PAE", kRounding},
         {"Gamma 1 2.2 1.5 0.7", "-gamma 2.2,1.5,0.7", "PAE", kRounding},
         {"Gamma 1 0.45 0.45 0.45", "-gamma 0.45", "PAE", kRounding},
+        {"HSL 0 0 0xFFFFFFFF 30", "-modulate 100,100,116.666667", "PAE", kRounding},
+        {"HSL -50 0 0xFFFFFFFF 0", "-modulate 100,50,100", "PAE", kRounding},
     };
     expectWithin(checks, std::size(checks));
 }
