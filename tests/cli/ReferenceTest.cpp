@@ -63,7 +63,8 @@ class Reference : public ::testing::Test {
             GTEST_SKIP() << "ImageMagick is not installed";
         // Debian's own name for ImageMagick 6's convert, which a wrapper
         // earlier on PATH may shadow.
-        if (system("command -v convert-im6.q16 >/dev/null 2>&1") == 0) m_convert = "convert-im6.q16 ";
+        if (system("command -v convert-im6.q16 >/dev/null 2>&1") == 0)
+            m_convert = "convert-im6.q16 ";
         for (const char* art : kArt)
             if (!std::filesystem::exists(art)) GTEST_SKIP() << "supertux-data is not installed";
     }
