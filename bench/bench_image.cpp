@@ -2,7 +2,10 @@
 
 #include "imaging/galloc.h"
 
+#include <cstdio>
 #include <cstring>
+#include <ctime>
+#include <utility>
 
 BenchImage::BenchImage(int32_t width, int32_t height, int32_t bpp) : record(sizeof(TavixInfo)) {
     TavixInfo* i = info();
@@ -55,4 +58,30 @@ int64_t bench_run(int32_t index, const BenchImage& in, const std::vector<ModuleV
     }
     module_close(instance);
     return pixels;
+}
+
+bool bench_read_raw(const char* path, std::vector<uint8_t>& bytes) {
+    FILE* f = fopen(path, "rb");
+    if (!f) return false;
+    size_t got = fread(bytes.data(), 1, bytes.size(), f);
+    fclose(f);
+    return got == bytes.size();
+}
+
+bool bench_write_raw(const char* path, const std::vector<uint8_t>& bytes) {
+    FILE* f = fopen(path, "wb");
+    if (!f) return false;
+    size_t put = fwrite(bytes.data(), 1, bytes.size(), f);
+    return fclose(f) == 0 && put == bytes.size();
+}
+
+void bench_swap_red_blue(std::vector<uint8_t>& bytes) {
+    for (size_t i = 0; i + 3 < bytes.size(); i += 4)
+        std::swap(bytes[i], bytes[i + 2]);
+}
+
+double bench_cpu_seconds() {
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
 }

@@ -27,3 +27,15 @@ void bench_fill(BenchImage& image, uint32_t seed);
 // on failure.
 int64_t bench_run(int32_t index, const BenchImage& in, const std::vector<ModuleValue>& values,
                   std::vector<uint8_t>& out);
+
+// Raw RGBA files (as `convert -depth 8 rgba:` reads and writes them) for
+// the comparison drivers: `bytes` is filled to its size, or written whole.
+bool bench_read_raw(const char* path, std::vector<uint8_t>& bytes);
+bool bench_write_raw(const char* path, const std::vector<uint8_t>& bytes);
+
+// RGBA bytes and the library's 0xAARRGGBB words (B, G, R, A in memory)
+// differ by swapping red and blue, both ways.
+void bench_swap_red_blue(std::vector<uint8_t>& bytes);
+
+// This process's CPU time in seconds.
+double bench_cpu_seconds();

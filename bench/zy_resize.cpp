@@ -13,41 +13,11 @@
 #include "imaging/module/module.h"
 
 #include <chrono>
-#include <ctime>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <utility>
 
 namespace {
-
-bool readFile(const char* path, std::vector<uint8_t>& bytes) {
-    FILE* f = fopen(path, "rb");
-    if (!f) return false;
-    size_t got = fread(bytes.data(), 1, bytes.size(), f);
-    fclose(f);
-    return got == bytes.size();
-}
-
-bool writeFile(const char* path, const std::vector<uint8_t>& bytes) {
-    FILE* f = fopen(path, "wb");
-    if (!f) return false;
-    size_t put = fwrite(bytes.data(), 1, bytes.size(), f);
-    return fclose(f) == 0 && put == bytes.size();
-}
-
-// RGBA bytes and the library's 0xAARRGGBB words (B, G, R, A in memory)
-// differ by swapping red and blue, both ways.
-void swapRedBlue(std::vector<uint8_t>& bytes) {
-    for (size_t i = 0; i + 3 < bytes.size(); i += 4)
-        std::swap(bytes[i], bytes[i + 2]);
-}
-
-double cpuSeconds() {
-    timespec t{};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
-    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
-}
 
 int usage() {
     fprintf(stderr, "usage: zy_resize IN.rgba W H OUT.rgba OW OH [FILTER] [REPEATS]\n");
@@ -64,11 +34,11 @@ int main(int argc, char** argv) {
     if (w <= 0 || h <= 0 || repeats <= 0) return usage();
 
     BenchImage in(w, h);
-    if (!readFile(argv[1], in.pixels)) {
+    if (!bench_read_raw(argv[1], in.pixels)) {
         fprintf(stderr, "zy_resize: cannot read %d x %d RGBA from %s\n", w, h, argv[1]);
         return 1;
     }
-    swapRedBlue(in.pixels);
+    bench_swap_red_blue(in.pixels);
 
     int32_t size = module_find("Size");
     ModuleDescriptor* d = module_describe();
@@ -87,9 +57,9 @@ int main(int argc, char** argv) {
     double bestCpu = 1e30, bestWall = 1e30;
     for (int r = 0; r < repeats; ++r) {
         auto start = std::chrono::steady_clock::now();
-        double cpuStart = cpuSeconds();
+        double cpuStart = bench_cpu_seconds();
         int64_t made = bench_run(size, in, values, out);
-        double cpu = cpuSeconds() - cpuStart;
+        double cpu = bench_cpu_seconds() - cpuStart;
         std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
         if (made == 0) {
             fprintf(stderr, "zy_resize: Size failed\n");
@@ -98,8 +68,8 @@ int main(int argc, char** argv) {
         if (cpu < bestCpu) bestCpu = cpu;
         if (wall.count() < bestWall) bestWall = wall.count();
     }
-    swapRedBlue(out);
-    if (!writeFile(argv[4], out)) {
+    bench_swap_red_blue(out);
+    if (!bench_write_raw(argv[4], out)) {
         fprintf(stderr, "zy_resize: cannot write %s\n", argv[4]);
         return 1;
     }
