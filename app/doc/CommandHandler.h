@@ -5,9 +5,9 @@
 //
 // Routing (first match wins, so ID_EDIT_UNDO never reaches the registry):
 //   command   35001          OnUndo
-//   command   35498          OnRedo
+//   command   35000          OnRedo
 //   update    35001          OnUpdateUndo
-//   update    35498          OnUpdateRedo
+//   update    35000          OnUpdateRedo
 //   update    35000..35499   OnUpdateCommandRange
 //   command   35000..35499   OnCommandRange
 //

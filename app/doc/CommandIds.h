@@ -16,7 +16,7 @@ constexpr unsigned kLastDocCommandId = 35499;
 constexpr unsigned ID_EDIT_UNDO = 35001; // "Undo the last command\nUndo", Ctrl+Z
 // Redo only (Ctrl+Y, Ctrl+Shift+Z): the Undo item redoes as well, but a key
 // meant to redo must never undo.
-constexpr unsigned ID_EDIT_REDO = 35498;
+constexpr unsigned ID_EDIT_REDO = 35000;
 
 constexpr unsigned ID_IMAGE_FLIP_HORIZONTAL = 35024; // "Flip Horizontal"
 constexpr unsigned ID_IMAGE_FLIP_VERTICAL = 35025;   // "Flip Vertical"

@@ -124,7 +124,7 @@ std::vector<CMenuItem> buildView() {
                  item("Write R&GB", WriteRGB, "Toggle write state for RGB channels")}),
         separator(),
         item("Color &Editor", ViewColorEditor, "Show the colour editor"),
-        item("P&roperties\tAlt+Enter", ViewProperties, "Show the properties editor"),
+        item("P&roperties\tAlt+Enter", ViewProperties, "Show the properties editor", "Alt+Enter"),
         submenu("&Toolbars", {}),
     };
 }
@@ -265,6 +265,8 @@ const std::vector<CKeyBinding>& ExtraKeyTable() {
             // The Undo item toggles; these keys only ever redo.
             {"Ctrl+Y", Redo},
             {"Ctrl+Shift+Z", Redo},
+            // The main Enter key as well as the keypad's, as the menu says.
+            {"Alt+Return", ViewProperties},
         };
         static const char* digits[] = {"1", "2", "3", "4", "5", "6", "7", "8", "9", "0"};
         static const char* shifted[] = {"!", "@", "#", "$", "%", "^", "&", "*", "(", ")"};
