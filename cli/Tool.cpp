@@ -86,8 +86,9 @@ int outputDriver(const std::string& path, const std::string& format) {
 TavixReadResult readFileOrThrow(const std::string& path, bool partial) {
     TavixReadResult result = TavixReadFile(path);
     if (result.ok) return result;
-    if (!partial || result.driver < 0) throw ToolError(path + ": " + result.error);
-    fprintf(stderr, "zytool: %s: %s", path.c_str(), result.error.c_str());
+    // A listing of a file none of whose frames read would only be a header.
+    if (!partial || result.driver < 0 || result.frames.empty()) throw ToolError(path + ": " + result.error);
+    fprintf(stderr, "zytool: %s: %s\n", path.c_str(), result.error.c_str());
     return result;
 }
 

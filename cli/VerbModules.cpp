@@ -25,6 +25,7 @@ std::string valueText(const ModuleParam& param, const ModuleValue& value) {
 
 const char* typeText(uint32_t type) {
     if (type & kParamTextHint) return "text";
+    if (type & kParamHandleHint) return "handle";
     if ((type & 0xFF) == kParamReal) return "real";
     if (type & kParamColourHint) return "colour";
     if (type & kParamMaskHint) return "mask";
@@ -35,6 +36,10 @@ const char* typeText(uint32_t type) {
 void printParam(int index, const ModuleParam& param) {
     if (param.type & kParamTextHint) {
         printf("      %2d %-24.32s text\n", index, param.name);
+        return;
+    }
+    if (param.type & kParamHandleHint) {
+        printf("      %2d %-24.32s handle  (for programs; 0 here)\n", index, param.name);
         return;
     }
     printf("      %2d %-24.32s %-7s %s..%s default %s", index, param.name, typeText(param.type),

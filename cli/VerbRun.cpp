@@ -34,7 +34,14 @@ std::vector<ModuleValue> valuesFrom(const std::vector<std::string>& texts, const
     for (size_t i = 0; i < texts.size(); ++i) {
         const ModuleParam* param = i < descriptor.paramCount ? &descriptor.params[i] : nullptr;
         ModuleValue value{};
-        if (param && (param->type & kParamTextHint))
+        if (param && (param->type & kParamHandleHint)) {
+            // A program's own object: nothing typed here can name one.
+            ModuleValue typed{};
+            if (!module_value_from_text(nullptr, texts[i].c_str(), &typed) || typed.asPointer() != nullptr)
+                throw ToolError("value " + std::to_string(i + 1) + " ('" + texts[i] + "'): parameter '" +
+                                param->name + "' is for programs only; give 0 here");
+            value = ModuleValue::ofPointer(nullptr);
+        } else if (param && (param->type & kParamTextHint))
             value = ModuleValue::ofPointer(texts[i].c_str());
         else if (!module_value_from_text(param, texts[i].c_str(), &value))
             throw ToolError("value " + std::to_string(i + 1) + " ('" + texts[i] + "') does not fit " +

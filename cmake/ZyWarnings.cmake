@@ -1,5 +1,8 @@
 # Compiler flags shared by every target of the project.
 add_compile_options(-Wall -Wextra)
+if(ZY_WERROR)
+    add_compile_options(-Werror)
+endif()
 
 if(ZY_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer

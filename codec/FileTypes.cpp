@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <strings.h>
 
 namespace {
 
@@ -65,6 +66,16 @@ std::string CTavixFileTypesList::FirstExtension(int driver) const {
     for (const CTavixFileType& row : m_rows)
         if (row.driver == driver) return row.extension;
     return {};
+}
+
+int CTavixFileTypesList::DriverOfPath(const std::string& path) const {
+    const size_t slash = path.rfind('/');
+    const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
+    const std::string extension = extensionOf(name);
+    if (extension.empty()) return -1;
+    for (const CTavixFileType& row : m_rows)
+        if (strcasecmp(row.extension, extension.c_str()) == 0) return row.driver;
+    return -1;
 }
 
 TavixFileFilter TavixBuildFileFilter(const CTavixFileTypesList& rows, bool openMode,

@@ -28,6 +28,9 @@ class CTavixFileTypesList {
     const CTavixFileType& operator[](int i) const { return m_rows[static_cast<size_t>(i)]; }
     // The driver's first extension (without its dot), or "" when it has none.
     std::string FirstExtension(int driver) const;
+    // The driver owning the extension `path` ends in (any case), -1 when the
+    // name has no extension or none a driver owns.
+    int DriverOfPath(const std::string& path) const;
 
   private:
     std::vector<CTavixFileType> m_rows;

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <sys/stat.h>
 #include <unistd.h>
 
 void GFreeDelete::operator()(void* block) const {
@@ -51,17 +52,23 @@ struct ReadSession {
     }
 };
 
+// Adds one line to a read's error text, which holds no final newline.
+void noteFailure(std::string& error, int index, const char* what) {
+    if (!error.empty()) error += '\n';
+    error += "frame " + std::to_string(index) + ": " + what;
+}
+
 bool readOneFrame(TavixReader reader, int index, TavixFrame& frame, std::string& error) {
     TavixInfoPtr info(TavixFrameInfo(reader, index));
     if (!info) {
-        error += "frame " + std::to_string(index) + ": no information record\n";
+        noteFailure(error, index, "no information record");
         return false;
     }
     if (info->width <= 0 || info->height <= 0) return false; // skipped silently
     frame.pitch = TavixRowPitch(info->width, info->bufferbpp);
     frame.pixels.assign(static_cast<size_t>(frame.pitch) * static_cast<size_t>(info->height), 0);
     if (!TavixRead(reader, info.get(), frame.pixels.data(), frame.pitch)) {
-        error += "frame " + std::to_string(index) + ": its pixels could not be read\n";
+        noteFailure(error, index, "its pixels could not be read");
         return false;
     }
     frame.info = std::move(info);
@@ -70,13 +77,25 @@ bool readOneFrame(TavixReader reader, int index, TavixFrame& frame, std::string&
 
 } // namespace
 
+std::string TavixFileProblem(const std::string& path) {
+    struct stat st {};
+    if (stat(path.c_str(), &st) != 0) return strerror(errno);
+    if (S_ISDIR(st.st_mode)) return strerror(EISDIR);
+    if (access(path.c_str(), R_OK) != 0) return strerror(errno);
+    return {};
+}
+
 TavixReadResult TavixReadFile(const std::string& path, const TavixProgress& progress) {
     TavixReadResult result;
+    if (std::string problem = TavixFileProblem(path); !problem.empty()) {
+        result.error = "cannot open '" + path + "': " + problem;
+        return result;
+    }
     ReadSession session;
     char workarea[260] = {};
     session.stream = TavixGOpen(path.c_str(), workarea);
     if (!session.stream) {
-        result.error = "cannot open '" + path + "', or no driver recognises it";
+        result.error = "no driver of the codec library recognises '" + path + "'";
         return result;
     }
     result.driver = TavixGet();

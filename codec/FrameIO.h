@@ -45,6 +45,13 @@ struct TavixReadResult {
 // Called before each frame with (index, count); return false to stop.
 using TavixProgress = std::function<bool(int, int)>;
 
+// Why `path` cannot be read at all, in the system's words ("No such file
+// or directory", "Permission denied", "Is a directory"); empty when it
+// opens for reading, so that whatever fails next is the format's fault.
+std::string TavixFileProblem(const std::string& path);
+
+// `error` names the file and the reason, one or more lines without a final
+// newline.
 TavixReadResult TavixReadFile(const std::string& path, const TavixProgress& progress = {});
 
 // Writes every frame with the driver; false with `error` set on failure.

@@ -24,6 +24,7 @@ namespace {
 void* g_library = nullptr;
 TavixEntryTable g_table = {};
 std::string g_path;
+std::string g_bindError; // why the last bind failed
 
 // The library prints through this; its lines join the program's output.
 void forwardLibraryLine(const char* text) { gprintf("%s", text); }
@@ -70,9 +71,12 @@ TavixCallbacks TavixProgramCallbacks() {
 
 bool TavixBind() {
     if (g_library) TavixUnbind();
+    g_bindError.clear();
     g_library = loadLibrary(TavixLibraryName());
     if (!g_library) {
-        gprintf("cannot load the codec library %s: %s\n", TavixLibraryName().c_str(), dlerror());
+        const char* reason = dlerror();
+        g_bindError = "cannot load the codec library " + TavixLibraryName() + ": " + (reason ? reason : "");
+        gprintf("%s\n", g_bindError.c_str());
         return false;
     }
     fillTable();
@@ -81,9 +85,13 @@ bool TavixBind() {
     TavixInstallCallbacks(&callbacks);
     if (auto hook = reinterpret_cast<void (*)(void (*)(const char*))>(dlsym(g_library, "TAVIX_installprint_4")))
         hook(forwardLibraryLine);
-    if (!g_table.init) return false; // the library stays loaded, as an unusable one
-    return g_table.init() != 0;
+    // The library stays loaded, as an unusable one.
+    if (!g_table.init) g_bindError = "the codec library " + g_path + " has no init entry";
+    else if (g_table.init() == 0) g_bindError = "the codec library " + g_path + " failed to start";
+    return g_bindError.empty();
 }
+
+std::string TavixBindError() { return g_bindError; }
 
 void TavixUnbind() {
     if (!g_library) return;

@@ -49,6 +49,10 @@ extern const char* const kTavixExportNames[21];
 // table, installs the callbacks and calls init. False when the library
 // cannot be loaded or its init is missing or fails.
 bool TavixBind();
+// Why the last TavixBind failed, in one line ("cannot load the codec library
+// tavix: libtavix.so: cannot open shared object file: ..."); empty after a
+// successful bind.
+std::string TavixBindError();
 // Calls restore when bound, then releases the library.
 void TavixUnbind();
 bool TavixIsBound();

@@ -38,7 +38,16 @@ void createFoldersAlong(const std::string& path) {
 
 intptr_t gfopenread(const char* path) {
     std::string native = nativePath(path);
-    return toHandle(open(native.c_str(), O_RDONLY | O_CLOEXEC));
+    int fd = open(native.c_str(), O_RDONLY | O_CLOEXEC);
+    // A directory opens for reading but is no file: its "size" would be
+    // taken for the file's length.
+    struct stat st {};
+    if (fd >= 0 && fstat(fd, &st) == 0 && S_ISDIR(st.st_mode)) {
+        close(fd);
+        errno = EISDIR;
+        return 0;
+    }
+    return toHandle(fd);
 }
 
 intptr_t gfopenwrite(const char* path) {

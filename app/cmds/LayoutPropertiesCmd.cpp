@@ -80,7 +80,7 @@ std::unique_ptr<CTavixImage> CLayoutPropertiesCmd::RunPlugin(void* library, CTav
         released = true;
         release(&out);
     } catch (...) {
-        ZyUi().MessageBox("There is an error in your layout DLL.  Contact the author of the DLL.",
+        ZyUi().MessageBox("There is an error in the layout library.  Contact the author of the library.",
                           MsgButtons::OK, MsgIcon::Error);
         result.reset();
         if (!released) try {

@@ -53,6 +53,10 @@ bool CCommandHandler::OnCmdMsg(unsigned nID) {
         OnUndo();
         return true;
     }
+    if (nID == ID_EDIT_REDO) {
+        OnRedo();
+        return true;
+    }
     if (nID >= kFirstDocCommandId && nID <= kLastDocCommandId) {
         OnCommandRange(nID);
         return true;
@@ -63,6 +67,10 @@ bool CCommandHandler::OnCmdMsg(unsigned nID) {
 bool CCommandHandler::OnUpdateCmdUI(CCmdUI* ui) {
     if (ui->m_nID == ID_EDIT_UNDO) {
         OnUpdateUndo(ui);
+        return true;
+    }
+    if (ui->m_nID == ID_EDIT_REDO) {
+        OnUpdateRedo(ui);
         return true;
     }
     if (ui->m_nID >= kFirstDocCommandId && ui->m_nID <= kLastDocCommandId) {
@@ -84,6 +92,14 @@ void CCommandHandler::OnUndo() {
     });
     m_bUndone = !m_bUndone;
     if (m_pDoc) m_pDoc->OnHistoryChanged();
+}
+
+void CCommandHandler::OnRedo() {
+    if (m_bUndone && HasUndoableCommand()) OnUndo();
+}
+
+void CCommandHandler::OnUpdateRedo(CCmdUI* ui) {
+    ui->Enable(m_bUndone && HasUndoableCommand());
 }
 
 void CCommandHandler::OnUpdateUndo(CCmdUI* ui) {

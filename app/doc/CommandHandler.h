@@ -5,7 +5,9 @@
 //
 // Routing (first match wins, so ID_EDIT_UNDO never reaches the registry):
 //   command   35001          OnUndo
+//   command   35000          OnRedo
 //   update    35001          OnUpdateUndo
+//   update    35000          OnUpdateRedo
 //   update    35000..35499   OnUpdateCommandRange
 //   command   35000..35499   OnCommandRange
 //
@@ -44,6 +46,9 @@ class CCommandHandler {
 
     void OnUndo();
     void OnUpdateUndo(CCmdUI* ui);
+    // Redoes the current command when it is undone; otherwise nothing.
+    void OnRedo();
+    void OnUpdateRedo(CCmdUI* ui);
     void OnUpdateCommandRange(CCmdUI* ui);
     // The registry dispatch, also for IDs outside the range (the palette
     // well's commands arrive here directly).

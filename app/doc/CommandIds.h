@@ -14,6 +14,9 @@ constexpr unsigned kFirstDocCommandId = 35000;
 constexpr unsigned kLastDocCommandId = 35499;
 
 constexpr unsigned ID_EDIT_UNDO = 35001; // "Undo the last command\nUndo", Ctrl+Z
+// Redo only (Ctrl+Y, Ctrl+Shift+Z): the Undo item redoes as well, but a key
+// meant to redo must never undo.
+constexpr unsigned ID_EDIT_REDO = 35000;
 
 constexpr unsigned ID_IMAGE_FLIP_HORIZONTAL = 35024; // "Flip Horizontal"
 constexpr unsigned ID_IMAGE_FLIP_VERTICAL = 35025;   // "Flip Vertical"
@@ -135,6 +138,7 @@ enum : unsigned {
 // The families' IDs.
 enum : unsigned {
     Undo = ID_EDIT_UNDO,
+    Redo = ID_EDIT_REDO,
     Import = 35002,
     Export = 35003,
     Revert = 35004,

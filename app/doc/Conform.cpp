@@ -72,7 +72,7 @@ std::string ConformWarning(const std::string& problems) {
            "in the current document.\nThe options not supported are:\n" +
            problems +
            "\nPressing OK will cause Zy to attempt to make your document conform but you will "
-           "probably lose some data.\nPress Cancel will stop the operation and leave your data "
+           "probably lose some data.\nPress Cancel to stop the operation and leave your data "
            "untouched.";
 }
 

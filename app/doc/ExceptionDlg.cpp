@@ -5,9 +5,8 @@ const char kZySupportAddress[] = "zy-support@nadirtools.example";
 namespace {
 
 const char kCaption[] = "Zy Program Error";
-// The program's own wording, kept as it stands.
 const char kScope[] =
-    "The problem is the a result of a programming error and may cause additional problems.";
+    "The problem is the result of a programming error and may cause additional problems.";
 
 CExceptionDlgTexts texts(std::string what, std::string action) {
     return {kCaption, std::move(what), kScope, std::move(action)};
@@ -23,7 +22,7 @@ CExceptionDlgTexts CommandExceptionTexts(const std::string& commandName) {
     return texts("The command you are performing, \"" + commandName +
                      "\", is causing an unidentified program error.  No data has been lost but "
                      "the command has not been performed",
-                 std::string("Save your work and try the operation again.in .  Send an e-mail to ") +
+                 std::string("Save your work and try the operation again.  Send an e-mail to ") +
                      kZySupportAddress +
                      " attaching the file and the steps needed to reproduce the problem");
 }
@@ -41,7 +40,7 @@ CExceptionDlgTexts SaveExceptionTexts(const std::string& path) {
     return texts("The file you are saving, \"" + path +
                      "\", is causing an unidentified program error.  No data has been lost but "
                      "your file has not been saved",
-                 "In the interm save the file using a different file format such as Tavix "
+                 "In the meantime, save the file in a different file format such as Tavix "
                  "Images. Contact the Zy maintainer indicating which file format you were trying "
                  "to save.");
 }

@@ -4,15 +4,13 @@
 #include "app/doc/Profile.h"
 #include "app/doc/UserInterface.h"
 #include "imaging/galloc.h"
+#include "tavix/RecordLimits.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 
 namespace {
-
-// Larger records than this are not records but garbage.
-constexpr int32_t kMaxRecordSize = 16 << 20;
 
 const TavixInfo& zeroRecord() {
     static const TavixInfo zero{};
@@ -98,7 +96,7 @@ bool CTavixImage::CopyPixels(const CDIB& from) {
 
 void CTavixImage::InstallRecord(const TavixInfo& info) {
     int32_t size = std::max(info.size, kTavixInfoSize);
-    if (size > kMaxRecordSize) throw CInvalidArgException("image record of " + std::to_string(size) + " bytes");
+    if (size > kTavixMaxInfoSize) throw CInvalidArgException("image record of " + std::to_string(size) + " bytes");
     auto words = static_cast<size_t>((size + 3) / 4);
     std::unique_ptr<uint32_t[]> copy(new (std::nothrow) uint32_t[words]);
     if (!copy) throw CMemoryException();

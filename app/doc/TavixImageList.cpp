@@ -4,6 +4,7 @@
 #include "app/doc/LibraryMessages.h"
 #include "app/doc/ProgressDlg.h"
 #include "app/doc/UserInterface.h"
+#include "codec/FrameIO.h"
 #include "codec/TavixBinding.h"
 
 #include <cerrno>
@@ -53,14 +54,6 @@ struct WriteSession {
 
 // The reason a file cannot be opened that the system knows: it is missing,
 // unreadable or a folder. Empty when the system sees nothing wrong.
-std::string systemReason(const std::string& path) {
-    struct stat st {};
-    if (stat(path.c_str(), &st) != 0) return strerror(errno);
-    if (S_ISDIR(st.st_mode)) return "it is a directory";
-    if (access(path.c_str(), R_OK) != 0) return strerror(errno);
-    return {};
-}
-
 // A write the codec refused: its reason, or `fallback` when it gave none.
 [[noreturn]] void writeFailed(const std::string& path, CLibraryMessages& messages,
                               const std::string& fallback) {
@@ -174,7 +167,7 @@ int CTavixImageList::ReadFile(const std::string& path, bool showProgress, CFileR
         char workarea[260] = {};
         session.stream = TavixGOpen(path.c_str(), workarea);
         if (!session.stream) {
-            std::string reason = systemReason(path);
+            std::string reason = TavixFileProblem(path);
             readFailed(path, reason.empty() ? messages.Take() : reason);
         }
         driver = TavixGet();

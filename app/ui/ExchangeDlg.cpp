@@ -108,11 +108,7 @@ bool RunImportFileDlg(CImportFileDlgData& data, QWidget* parent) {
     rows.Build();
     const TavixFileFilter filter = TavixBuildFileFilter(rows, true, {}, -1);
     QStringList filters = CTavixFileDlg::NameFilters(filter);
-    // One entry for every format at once comes first.
-    QStringList patterns;
-    for (const TavixFilterEntry& entry : filter.entries)
-        if (entry.driver >= 0) patterns << QString::fromStdString(entry.pattern);
-    filters.prepend("All Images (" + patterns.join(' ') + ")");
+    filters.prepend(CTavixFileDlg::AllSupported(filter));
     QFileDialog dialog(parent, "Import");
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     dialog.setFileMode(QFileDialog::ExistingFiles);

@@ -19,8 +19,10 @@
 
 #include <QContextMenuEvent>
 #include <QDrag>
+#include <QFontMetrics>
 #include <QHeaderView>
 #include <QMimeData>
+#include <QStyle>
 #include <QUrl>
 
 #include <algorithm>
@@ -302,11 +304,24 @@ void CImageListView::SetRowCountFromDocument() {
     } else {
         m_Model->RefreshCells();
     }
+    FitNameColumn();
+}
+
+void CImageListView::FitNameColumn() {
+    constexpr int kMaxNameWidth = 480;
+    const QFontMetrics metrics(font());
+    int widest = 0;
+    for (int row = 0; row < m_Model->rowCount(); ++row)
+        widest = std::max(widest, metrics.horizontalAdvance(m_Model->data(m_Model->index(row, 0), Qt::DisplayRole).toString()));
+    // The eye icon, its gap and the cell's margins come before the text.
+    const int wanted = widest + iconSize().width() + 3 * style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 12;
+    setColumnWidth(0, std::clamp(wanted, kListColumns[0].width, kMaxNameWidth));
 }
 
 void CImageListView::OnUpdate(CView*, long, CObject* hint) {
     if (dynamic_cast<CModifiedHint*>(hint)) {
         m_Model->RefreshCells();
+        FitNameColumn(); // a rename may have made a name longer
         viewport()->update();
         return;
     }

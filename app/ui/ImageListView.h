@@ -112,6 +112,9 @@ class CImageListView : public QTableView, public CView, public CCommandTarget {
     // After the selection model changed: show it and tell the other views.
     void SelectionEdited();
     void SetRowCountFromDocument();
+    // Widens the Name column to its longest name (never below its default,
+    // never beyond a third of a wide screen's worth).
+    void FitNameColumn();
     void StopAnimation();
     // Runs a list command on the document; true when it was submitted.
     bool Run(CCommand* cmd);

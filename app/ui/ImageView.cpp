@@ -215,6 +215,28 @@ bool CImageView::SetZoom(double zoom) {
     return true;
 }
 
+void CImageView::KeepFocusInView() {
+    const int focus = m_Doc->GetFocusIndex();
+    if (focus < 0 || focus >= m_Doc->GetImageCount()) return;
+    const QRect image =
+        toQRect(SheetImageRect(CSheetImage::Of(*m_Doc->GetImageAt(focus), false), m_Settings.m_ViewMode, m_Zoom));
+    const QSize page = viewport()->size();
+    const QRect visible(ScrollPosition(), page);
+    if (image.isEmpty() || page.isEmpty() || visible.contains(image)) return;
+    const bool fits = image.width() <= page.width() && image.height() <= page.height();
+    // A large image partly in view stays where the zoom put it.
+    if (!fits && visible.intersects(image)) return;
+    auto start = [](int from, int length, int pageLength, int current) {
+        if (length > pageLength) return from;
+        if (from < current) return from;
+        if (from + length > current + pageLength) return from + length - pageLength;
+        return current;
+    };
+    horizontalScrollBar()->setValue(start(image.left(), image.width(), page.width(), visible.left()));
+    verticalScrollBar()->setValue(start(image.top(), image.height(), page.height(), visible.top()));
+    InvalidateAll();
+}
+
 void CImageView::ZoomIn(bool toOrigin) {
     if (m_Doc->GetImageCount() < 1 || m_Zoom >= kMaxZoom) return;
     const int cx = viewport()->width() / 2, cy = viewport()->height() / 2;
@@ -228,6 +250,7 @@ void CImageView::ZoomIn(bool toOrigin) {
     } else {
         horizontalScrollBar()->setValue(2 * (s.x() + cx) - cx);
         verticalScrollBar()->setValue(2 * (s.y() + cy) - cy);
+        KeepFocusInView();
     }
     InvalidateAll();
     m_ZoomAnimation = true;
@@ -242,6 +265,7 @@ void CImageView::ZoomOut() {
     SetZoom(m_Zoom / 2);
     horizontalScrollBar()->setValue((s.x() + cx) / 2 - cx);
     verticalScrollBar()->setValue((s.y() + cy) / 2 - cy);
+    KeepFocusInView();
     InvalidateAll();
     m_ZoomAnimation = true;
 }
@@ -361,6 +385,7 @@ bool CImageView::OnCmdMsg(unsigned id) {
         return true;
     case ViewZoomNormal:
         SetZoom(1.0);
+        KeepFocusInView();
         return true;
     case CheckerLarger:
     case CheckerSmaller:

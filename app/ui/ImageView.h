@@ -87,6 +87,9 @@ class CImageView : public QAbstractScrollArea, public CView, public CCommandTarg
     CSheetScene BuildScene() const;
     void PaintInto(const CRect& area);
     void UpdateScrollSizes();
+    // After a zoom: scrolls the focused image back into view when it left
+    // it (all of it when it fits, its top-left part otherwise).
+    void KeepFocusInView();
     void AnimateZoom(bool inward);
     bool ZoomAnimationWanted() const;
     void Invalidate(const QRect& viewRect);

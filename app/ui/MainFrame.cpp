@@ -69,6 +69,8 @@ bool CMainFrame::Create() {
     m_Output->hide();
 
     BuildMenus();
+    if (QMenu* window = Menu("Window"))
+        connect(window, &QMenu::aboutToShow, this, &CMainFrame::ListDocumentsInWindowMenu);
     BuildExtraActions();
     BuildToolbars();
     BuildStatusBar();
@@ -160,7 +162,7 @@ void CMainFrame::BuildExtraActions() {
         MakeAction(extra.id, extra.text, extra.prompt, nullptr, extra.checkable);
     for (const CKeyBinding& key : ExtraKeyTable()) {
         // A key of its own for an existing item: a separate action, so that
-        // the item keeps its own label (the channel keys differ from theirs).
+        // the item keeps its own label and key.
         auto* shortcut = new QAction(this);
         shortcut->setShortcut(QKeySequence(QString::fromUtf8(key.key)));
         const unsigned id = key.id;
@@ -268,6 +270,34 @@ void CMainFrame::OnCommand(unsigned id) {
     }
     m_App->OnCmdMsg(id);
     UpdateAllActions();
+}
+
+void CMainFrame::ListDocumentsInWindowMenu() {
+    QMenu* menu = Menu("Window");
+    if (!menu) return;
+    for (QAction* item : m_DocumentItems) {
+        menu->removeAction(item);
+        item->deleteLater();
+    }
+    m_DocumentItems.clear();
+    const QList<CChildFrame*> children = Children();
+    if (children.isEmpty()) return;
+    m_DocumentItems.push_back(menu->addSeparator());
+    const CChildFrame* active = ActiveChild();
+    int number = 0;
+    for (CChildFrame* child : children) {
+        ++number;
+        // The first nine take their number as the mnemonic; "&&" keeps a name's own "&".
+        QString name = child->Title();
+        name.replace('&', "&&");
+        QAction* item = menu->addAction((number <= 9 ? QString("&%1 ").arg(number) : QString("%1 ").arg(number)) + name);
+        item->setCheckable(true);
+        item->setChecked(child == active);
+        connect(item, &QAction::triggered, this, [this, child = QPointer<CChildFrame>(child)] {
+            if (child) ActivateChild(child);
+        });
+        m_DocumentItems.push_back(item);
+    }
 }
 
 void CMainFrame::ActivateChild(CChildFrame* child) {

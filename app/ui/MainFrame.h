@@ -70,6 +70,9 @@ class CMainFrame : public QMainWindow {
     void BuildToolbars();
     void BuildStatusBar();
     void BuildExtraActions();
+    // The Window menu's list of open documents, made afresh each time the
+    // menu opens: "1 name" ... with a check on the active one.
+    void ListDocumentsInWindowMenu();
     void OnSubWindowActivated(QMdiSubWindow* window);
     // Makes `child` the active document window again.
     void ActivateChild(CChildFrame* child);
@@ -83,6 +86,7 @@ class CMainFrame : public QMainWindow {
     std::map<unsigned, QAction*> m_Actions;
     std::vector<QToolBar*> m_Toolbars;
     QMenu* m_ToolbarsMenu = nullptr;
+    std::vector<QAction*> m_DocumentItems; // in the Window menu
     QLabel* m_Panes[PaneCount] = {};
     QTimer m_IdleTimer;
     QPointer<QMdiSubWindow> m_LastActive;

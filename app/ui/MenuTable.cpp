@@ -114,17 +114,17 @@ std::vector<CMenuItem> buildView() {
                  item("Increase &Checker Size", CheckerLarger, "Increase Checker Size"),
                  item("Decrease C&hecker Size", CheckerSmaller, "Decrease Checker Size")}),
         submenu("&Channels",
-                {toggle("View &Alpha\tAlt+1", ViewAlpha, "Toggle view state for alpha channel"),
-                 toggle("Vie&w RGB\tAlt+2", ViewRGB, "Toggle view state for RGB channels"),
-                 toggle("View &R\tAlt+3", ViewRed, "Toggle view state for red channel"),
-                 toggle("View &G\tAlt+4", ViewGreen, "Toggle view state for green channel"),
-                 toggle("View &B\tAlt+5", ViewBlue, "Toggle view state for blue channel"),
+                {toggle("View &Alpha\tAlt+1", ViewAlpha, "Toggle view state for alpha channel", "Alt+1"),
+                 toggle("Vie&w RGB\tAlt+2", ViewRGB, "Toggle view state for RGB channels", "Alt+2"),
+                 toggle("View &R\tAlt+3", ViewRed, "Toggle view state for red channel", "Alt+3"),
+                 toggle("View &G\tAlt+4", ViewGreen, "Toggle view state for green channel", "Alt+4"),
+                 toggle("View &B\tAlt+5", ViewBlue, "Toggle view state for blue channel", "Alt+5"),
                  separator(),
                  item("Write A&lpha", WriteAlpha, "Toggle write state for alpha channel"),
                  item("Write R&GB", WriteRGB, "Toggle write state for RGB channels")}),
         separator(),
         item("Color &Editor", ViewColorEditor, "Show the colour editor"),
-        item("P&roperties\tAlt+Enter", ViewProperties, "Show the properties editor"),
+        item("P&roperties\tAlt+Enter", ViewProperties, "Show the properties editor", "Alt+Enter"),
         submenu("&Toolbars", {}),
     };
 }
@@ -213,7 +213,7 @@ std::vector<CMenuItem> buildTools() {
                  toggle("&Overlap Warning", OverlapWarning, "Toggle Overlap Warning")}),
         submenu("&Shape File Tools", {item("Insert &Named Palette", NamedPalette),
                                       item("Shape &Properties...", ShapeProperties)}),
-        submenu("&Other Tools", {item("&Ko Command Line...", KoTool),
+        submenu("&Other Tools", {item("&Command Line...", KoTool),
                                  item("Send to &Artist Download Card", SendToDisplayCard,
                                       "Send the focused image to the artist download card")}),
         submenu("&Animate", {item("Preview &Image", AnimatePreviewImage),
@@ -262,13 +262,11 @@ const std::vector<CKeyBinding>& ExtraKeyTable() {
             {"Ctrl+-", ViewZoomOut},
             {"F5", RefreshViews},
             {"Esc", ClearHighlight},
-            // The channel keys, bound as the program has always bound them
-            // (the menu's labels differ for the three colours).
-            {"Alt+1", ViewAlpha},
-            {"Alt+2", ViewRGB},
-            {"Alt+3", ViewBlue},
-            {"Alt+4", ViewGreen},
-            {"Alt+5", ViewRed},
+            // The Undo item toggles; these keys only ever redo.
+            {"Ctrl+Y", Redo},
+            {"Ctrl+Shift+Z", Redo},
+            // The main Enter key as well as the keypad's, as the menu says.
+            {"Alt+Return", ViewProperties},
         };
         static const char* digits[] = {"1", "2", "3", "4", "5", "6", "7", "8", "9", "0"};
         static const char* shifted[] = {"!", "@", "#", "$", "%", "^", "&", "*", "(", ")"};

@@ -21,7 +21,7 @@ struct CMenuItem {
 const std::vector<CMenuItem>& MainMenuTable();
 
 // Keys bound without a menu item of their own (navigation, highlight keys,
-// the channel keys as bound).
+// the redo keys).
 struct CKeyBinding {
     const char* key;
     unsigned id;

@@ -86,8 +86,11 @@ COptionsWorksheetPage::COptionsWorksheetPage(QWidget* parent) : QWidget(parent) 
     layout->addLayout(colours);
 
     auto* checker = new QHBoxLayout;
-    checker->addWidget(new QLabel("Checker &size:"));
+    auto* checkerLabel = new QLabel("Checker &size:");
+    checker->addWidget(checkerLabel);
     m_CheckerSize = new QSlider(Qt::Horizontal);
+    // The label's "&" marks its shortcut key only when it has a buddy.
+    checkerLabel->setBuddy(m_CheckerSize);
     m_CheckerSize->setRange(1, 8);
     m_CellSize = new QLabel;
     m_CellSize->setMinimumWidth(30);

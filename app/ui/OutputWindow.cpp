@@ -25,7 +25,7 @@ void outputHook(const char* format, va_list args) {
 
 } // namespace
 
-COutputWindow::COutputWindow(QWidget* parent) : QDockWidget("GPRINTF() Output Window", parent) {
+COutputWindow::COutputWindow(QWidget* parent) : QDockWidget("Output", parent) {
     setObjectName("OutputWindow");
     m_Edit = new QPlainTextEdit;
     m_Edit->setReadOnly(true);

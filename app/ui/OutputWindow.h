@@ -1,5 +1,5 @@
 #pragma once
-// The "GPRINTF() Output Window": where the program's log and everything the
+// The "Output" window: where the program's log and everything the
 // image and codec libraries print through gprintf end up. Text printed
 // before the window exists is kept and shown when it opens.
 

@@ -5,6 +5,7 @@
 #include "app/doc/UserInterface.h"
 #include "app/ui/AboutDlg.h"
 #include "app/ui/ChildFrame.h"
+#include "app/ui/HelpWindow.h"
 #include "app/doc/CommandIds.h"
 #include "app/ui/MainFrame.h"
 #include "app/ui/OptionsSheet.h"
@@ -61,7 +62,8 @@ bool CZy::CheckDisplay() {
 
 bool CZy::BindCodec() {
     if (!TavixBind()) {
-        m_Ui->MessageBox("Cannot find Tavix.dll", MsgButtons::OK, MsgIcon::Error, "Zy");
+        m_Ui->MessageBox("Zy cannot run without its codec library:\n\n" + TavixBindError(), MsgButtons::OK,
+                         MsgIcon::Error, "Zy");
         return false;
     }
     m_Bound = true;
@@ -117,6 +119,7 @@ bool CZy::InitInstance(const QStringList& files, CProfile* profile) {
 }
 
 void CZy::ExitInstance() {
+    m_HelpWindow.reset();
     if (m_MainFrame) {
         m_Ui->SetMainFrame(nullptr);
         // The windows (and their documents) go before the settings they
@@ -215,6 +218,19 @@ QString CZy::DocumentationUrl() const {
         ZyProfile().GetString("CZy", "m_DocumentationUrl", fallback.toStdString()));
 }
 
+void CZy::ShowDocumentation() {
+    const QUrl url(DocumentationUrl());
+    if (!url.isLocalFile()) {
+        QDesktopServices::openUrl(url);
+        return;
+    }
+    if (!m_HelpWindow) m_HelpWindow = std::make_unique<CHelpWindow>();
+    m_HelpWindow->ShowFile(url.toLocalFile());
+    m_HelpWindow->show();
+    m_HelpWindow->raise();
+    m_HelpWindow->activateWindow();
+}
+
 void CZy::ShowAbout() {
     CAboutDlg dialog(m_MainFrame.get());
     dialog.exec();
@@ -267,7 +283,7 @@ bool CZy::OnCmdMsg(unsigned id) {
         area->activateNextSubWindow();
         return true;
     case HelpDocumentation:
-        QDesktopServices::openUrl(QUrl(DocumentationUrl()));
+        ShowDocumentation();
         return true;
     case HelpAbout:
         ShowAbout();

@@ -17,6 +17,7 @@
 #include <string>
 
 class CChildFrame;
+class CHelpWindow;
 class CMainFrame;
 class CProfile;
 class CQtUserInterface;
@@ -61,6 +62,9 @@ class CZy : public QObject, public CCommandTarget {
 
     // Where the manual lives (setting "CZy"/"m_DocumentationUrl").
     QString DocumentationUrl() const;
+    // The manual's window once Help > Documentation opened it (a local
+    // manual is shown there; a web address goes to the desktop's browser).
+    CHelpWindow* HelpWindow() const { return m_HelpWindow.get(); }
 
   private:
     bool CheckDisplay();
@@ -69,11 +73,13 @@ class CZy : public QObject, public CCommandTarget {
     CChildFrame* AddDocumentWindow(std::unique_ptr<CTavixDoc> doc);
     void SaveRecentFiles();
     void ShowAbout();
+    void ShowDocumentation();
     void ShowPreferences();
 
     std::unique_ptr<CQtUserInterface> m_Ui;
     std::unique_ptr<CProfile> m_OwnProfile;
     std::unique_ptr<CMainFrame> m_MainFrame;
+    std::unique_ptr<CHelpWindow> m_HelpWindow;
     QString m_StartDirectory;
     QDateTime m_StartTime;
     int m_PSXColorPicker = 0;

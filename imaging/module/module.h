@@ -75,6 +75,12 @@ enum : uint32_t {
     // which the caller keeps alive while the module is open.
     kParamTextHint = 0x4000,
     kParamText = kParamInteger | kParamTextHint,
+    // The slot holds the address of an object of the calling program's own
+    // (null for none). Only code can fill it: a command line or a generic
+    // parameter dialog has no object to give and must leave it null, since a
+    // number a user types is no address.
+    kParamHandleHint = 0x8000,
+    kParamHandle = kParamInteger | kParamHandleHint,
 };
 
 constexpr int kModuleMaxParams = 35;

@@ -6,7 +6,8 @@
 //   0 Expression Handle  an ExprContext* of the caller's, so that variables
 //                        and functions live on from one image to the next
 //                        (a frame counter, a user function); null: the
-//                        module makes a context of its own per open
+//                        module makes a context of its own per open. Typed
+//                        kParamHandle: only a program can give one.
 //   1-4 Alpha, Red, Green, Blue Expression
 //   5 Index Expression   for 8-bit images
 //   6, 7 X, Y Expression the source position each result pixel is read from
@@ -50,7 +51,7 @@ namespace {
 enum Slot : int32_t { kHandle = 0, kAlpha, kRed, kGreen, kBlue, kIndex, kX, kY, kSlotCount };
 
 constexpr ModuleParamDecl kParams[] = {
-    {kParamInteger, kIntMin, kIntMax, 0, "Expression Handle"},
+    {kParamHandle, 0, 0, 0, "Expression Handle"},
     {kParamText, kIntMin, kIntMax, 0, "Alpha Expression"},
     {kParamText, kIntMin, kIntMax, 0, "Red Expression"},
     {kParamText, kIntMin, kIntMax, 0, "Green Expression"},
@@ -186,13 +187,25 @@ uint32_t paletteArgb(const TavixInfo& info, int index) {
     return static_cast<uint32_t>(c.alpha) << 24 | c.red << 16 | c.green << 8 | c.blue;
 }
 
-// Runs the channel expressions over the loaded a, r, g, b; channels
-// without an expression keep their value. All four see the loaded values.
+// Runs the channel expressions, in the order alpha, red, green, blue;
+// channels without an expression keep their value. Each expression starts
+// from the pixel's own x, y, i, a, r, g, b, whatever an earlier one assigned
+// to them, so "r" always means the source red. Any other variable an
+// expression assigns (t = (r + g + b) / 3) is seen by the later ones.
 uint32_t runChannels(PixelInstance* pixel, uint32_t argb) {
+    const double x = *pixel->x, y = *pixel->y, index = *pixel->index;
     uint8_t out[4];
     for (int c = 0; c < 4; ++c) {
         ExprProgram* program = pixel->programs[kAlpha + c];
-        out[c] = program ? toByte(exprRun(program)) : static_cast<uint8_t>(argb >> (24 - 8 * c));
+        if (!program) {
+            out[c] = static_cast<uint8_t>(argb >> (24 - 8 * c));
+            continue;
+        }
+        *pixel->x = x;
+        *pixel->y = y;
+        *pixel->index = index;
+        loadColour(pixel, argb);
+        out[c] = toByte(exprRun(program));
     }
     return static_cast<uint32_t>(out[0]) << 24 | out[1] << 16 | out[2] << 8 | out[3];
 }

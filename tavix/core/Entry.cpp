@@ -5,6 +5,7 @@
 #include "tavix/api.h"
 #include "tavix/core/Driver.h"
 #include "tavix/core/Stream.h"
+#include "tavix/RecordLimits.h"
 
 #include <cstring>
 #include <new>
@@ -90,7 +91,7 @@ Picture pictureFrom(const TavixInfo& info, const uint8_t* pixels, int32_t pitch)
 
 std::span<const uint8_t> tailOf(const TavixInfo& info) {
     // The size field is the caller's; never trust a tail beyond a sane bound.
-    if (info.size <= kTavixInfoSize || info.size > (1 << 30)) return {};
+    if (info.size <= kTavixInfoSize || info.size > kTavixMaxInfoSize) return {};
     return {reinterpret_cast<const uint8_t*>(&info) + sizeof(TavixInfo),
             static_cast<size_t>(info.size) - sizeof(TavixInfo)};
 }

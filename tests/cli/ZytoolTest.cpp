@@ -11,7 +11,9 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <sys/wait.h>
+#include <unistd.h>
 
 using namespace zytest;
 
@@ -138,6 +140,48 @@ TEST_F(Zytool, ErrorsGoToStandardErrorWithAFailingExit) {
     EXPECT_FALSE(std::filesystem::exists(m_folder / "o.tvx"));
 }
 
+TEST_F(Zytool, InfoOnAFileThatDoesNotReadNamesTheReasonOnWholeLines) {
+    const std::string plain = writeFrames("plain.tvx", twoFrames());
+    std::vector<TavixFrame> five;
+    for (int i = 0; i < 5; ++i) five.push_back(makeFrame(16, 16, 32, ("img" + std::to_string(i)).c_str()));
+    const std::string cut = writeFrames("cut.fsh", std::move(five), "newfsh");
+    std::filesystem::resize_file(cut, std::filesystem::file_size(cut) - 200);
+    const std::string junk = (m_folder / "junk.fsh").string();
+    {
+        std::ofstream bytes(junk, std::ios::binary);
+        bytes << std::string(100, '\x5A');
+    }
+    struct Case {
+        std::string path;
+        const char* reason; // the end of standard error's first zytool line
+        const char* listing; // the start of standard output; "" for none
+    } cases[] = {
+        {(m_folder / "missing.fsh").string(), ": No such file or directory\n", ""},
+        {m_folder.path().string(), ": Is a directory\n", ""},
+        {plain + "/inside.fsh", ": Not a directory\n", ""},
+        {junk, "junk.fsh' holds no readable images\n", ""},
+        {cut, "frame 4: its pixels could not be read\n", "4 frames"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.path);
+        ToolRun run = zytool("info " + c.path, m_folder);
+        EXPECT_EQ(run.status, 1);
+        const size_t line = run.err.find("zytool: ");
+        ASSERT_NE(line, std::string::npos) << run.err;
+        EXPECT_NE(run.err.find(c.reason, line), std::string::npos) << run.err;
+        EXPECT_EQ(run.err.back(), '\n');
+        if (c.listing[0])
+            EXPECT_NE(run.out.find(c.listing), std::string::npos) << run.out;
+        else
+            EXPECT_EQ(run.out, "") << "no header for a file without frames";
+    }
+    if (geteuid() != 0) { // the superuser reads everything
+        std::filesystem::permissions(plain, std::filesystem::perms::none);
+        ToolRun run = zytool("info " + plain, m_folder);
+        EXPECT_NE(run.err.find(": Permission denied\n"), std::string::npos) << run.err;
+    }
+}
+
 TEST_F(Zytool, ExportWritesOneFilePerFrameNamedOrNumbered) {
     std::vector<TavixFrame> frames = twoFrames();
     frames.push_back(makeFrame(2, 2, 32, "hero")); // a duplicate name must not overwrite
@@ -252,6 +296,24 @@ TEST_F(Zytool, RunPixelMakesRedEqualGreen) {
     ASSERT_EQ(after.size(), before.size());
     for (size_t i = 0; i < before.size(); ++i)
         EXPECT_EQ(after[i], (before[i] & 0xFF00FFFFu) | ((before[i] >> 8) & 0xFF) << 16) << i;
+}
+
+TEST_F(Zytool, RunRefusesATypedExpressionHandle) {
+    // Slot 0 of Pixel is a program's own object; a typed number is no address.
+    std::vector<TavixFrame> frames;
+    frames.push_back(makeFrame(4, 4, 32, "p"));
+    std::string in = writeFrames("p.tvx", std::move(frames));
+    std::string out = (m_folder / "o.tvx").string();
+    for (const char* handle : {"1", "12345", "-1", "0x7fff0000", "abc"}) {
+        SCOPED_TRACE(handle);
+        ToolRun run = zytool(std::string("run Pixel ") + handle + " '' g " + in + " " + out, m_folder);
+        EXPECT_EQ(run.status, 1) << run.err;
+        EXPECT_NE(run.err.find("'Expression Handle' is for programs only; give 0 here\n"), std::string::npos)
+            << run.err;
+        EXPECT_FALSE(std::filesystem::exists(out));
+    }
+    ToolRun modules = zytool("modules", m_folder);
+    EXPECT_NE(modules.out.find("Expression Handle        handle"), std::string::npos);
 }
 
 TEST_F(Zytool, MipmapAddsLevelsAndReplacesAnOldChain) {

@@ -249,10 +249,10 @@ TEST_F(CommandTest, AThrowingCommandLeavesTheCrashLineAndTheErrorTexts) {
     EXPECT_EQ(texts.m_What, "The command you are performing, \"Throwing Test\", is causing an "
                             "unidentified program error.  No data has been lost but the command "
                             "has not been performed");
-    EXPECT_EQ(texts.m_Scope, "The problem is the a result of a programming error and may cause "
+    EXPECT_EQ(texts.m_Scope, "The problem is the result of a programming error and may cause "
                              "additional problems.");
     EXPECT_EQ(texts.m_Action,
-              std::string("Save your work and try the operation again.in .  Send "
+              std::string("Save your work and try the operation again.  Send "
                           "an e-mail to ") +
                   kZySupportAddress +
                   " attaching the file and the steps needed to reproduce the problem");

@@ -145,7 +145,7 @@ TEST_F(FileTest, UnreadableFilesNameTheirReasonAndGiveAnEmptyDocument) {
     } cases[] = {
         {garbage, "tvx"}, // the codec library's own words
         {(folder / "missing.tvx").string(), "No such file or directory"},
-        {folder.path().string(), "it is a directory"},
+        {folder.path().string(), "Is a directory"},
         {unreadable, getuid() == 0 ? "" : "Permission denied"},
     };
     for (const Case& c : cases) {
@@ -177,7 +177,7 @@ TEST_F(FileTest, UnexpectedFailuresWriteTheCrashLineAndShowTheErrorDialog) {
     EXPECT_EQ(open.m_What, "The file you are opening, \"" + source +
                                "\", is causing an unidentified program error.  No data has been "
                                "lost but the file has not been opened");
-    EXPECT_EQ(open.m_Scope, "The problem is the a result of a programming error and may cause "
+    EXPECT_EQ(open.m_Scope, "The problem is the result of a programming error and may cause "
                             "additional problems.");
     EXPECT_EQ(open.m_Action, "Ensure that the file is valid by opening it in a different "
                              "application and resaving it.  Also send an email with the file "
@@ -200,7 +200,7 @@ TEST_F(FileTest, UnexpectedFailuresWriteTheCrashLineAndShowTheErrorDialog) {
                   "\", is causing an unidentified program error.  No data has been lost but your "
                   "file has not been saved");
     EXPECT_EQ(model.ui.exceptionDialogs[0].m_Action,
-              "In the interm save the file using a different file format such as Tavix Images. "
+              "In the meantime, save the file in a different file format such as Tavix Images. "
               "Contact the Zy maintainer indicating which file format you were trying to save.");
     EXPECT_TRUE(doc.IsModified());
     EXPECT_EQ(doc.GetImageCount(), 5);
@@ -317,7 +317,7 @@ TEST(Conform, ProblemLinesComeInTheirFixedOrder) {
               "WARNING: The file format you have chosen does not support all of the options "
               "present in the current document.\nThe options not supported are:\n    - packed "
               "images\n\nPressing OK will cause Zy to attempt to make your document conform but "
-              "you will probably lose some data.\nPress Cancel will stop the operation and leave "
+              "you will probably lose some data.\nPress Cancel to stop the operation and leave "
               "your data untouched.");
 }
 

@@ -5,9 +5,11 @@
 #include "ScriptedUi.h"
 
 #include "CodecTestSupport.h"
+#include "app/doc/Exceptions.h"
 #include "app/doc/TavixImage.h"
 #include "imaging/galloc.h"
 #include "imaging/module/module.h"
+#include "tavix/RecordLimits.h"
 
 #include <gtest/gtest.h>
 
@@ -157,6 +159,27 @@ TEST(ImageRecord, RecordTailTravelsWithEveryCopy) {
     info->size = 100;
     image.SetInformation(*info);
     EXPECT_EQ(image.GetInfo()->size, kTavixInfoSize);
+}
+
+TEST(ImageRecord, RecordsUpToTheCodecsLimitInstall) {
+    // A 4096 x 4096 DXT5 frame keeps 16 MiB of stored blocks in its tail.
+    ScopedModel model;
+    const int32_t big = kTavixInfoSize + (16 << 20) + 64;
+    std::vector<uint32_t> block(static_cast<size_t>(big) / 4, 0);
+    auto* info = reinterpret_cast<TavixInfo*>(block.data());
+    info->size = big;
+    info->width = info->height = 4;
+    info->bufferbpp = 32;
+    block.back() = 0x600DF00D;
+    CTavixImage image;
+    image.SetInformation(*info);
+    ASSERT_EQ(image.GetInfoSize(), big);
+    EXPECT_EQ(reinterpret_cast<const uint32_t*>(image.GetInfo())[big / 4 - 1], 0x600DF00Du);
+    // Beyond the limit the size field is corrupt: refused, the image unchanged
+    // (the check comes before any byte past the fixed record is read).
+    info->size = kTavixMaxInfoSize + 4;
+    EXPECT_THROW(image.SetInformation(*info), CInvalidArgException);
+    EXPECT_EQ(image.GetInfoSize(), big);
 }
 
 // ---- Palette and pixels -------------------------------------------------------------

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -184,6 +185,9 @@ TEST_F(FileHelpers, SeekTellAndSizeAgree) {
 TEST_F(FileHelpers, FailuresAnswerZero) {
     EXPECT_EQ(gfopenread((m_root / "missing").string().c_str()), 0);
     EXPECT_EQ(gfopenread(""), 0);
+    errno = 0;
+    EXPECT_EQ(gfopenread(m_root.string().c_str()), 0) << "a directory is no file to read";
+    EXPECT_EQ(errno, EISDIR);
     EXPECT_EQ(gfclose(0), 1) << "no handle counts as closed";
 }
 

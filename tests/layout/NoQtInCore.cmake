@@ -1,8 +1,8 @@
-# Fails when a file of the core (imaging/, codec/, tavix/, app/doc/,
-# app/cmds/) includes a Qt header: the model must stay testable and usable
-# without a window. Run as: cmake -DROOT=<source dir> -P NoQtInCore.cmake
+# Fails when a file of the core (imaging/, codec/, tavix/, mfx/, app/doc/,
+# app/cmds/) or of zytool (cli/) includes a Qt header: the model must stay
+# testable and usable without a window, and zytool runs where no Qt is. Run as: cmake -DROOT=<source dir> -P NoQtInCore.cmake
 set(offenders "")
-foreach(folder imaging codec tavix app/doc app/cmds)
+foreach(folder imaging codec tavix mfx app/doc app/cmds cli)
     file(GLOB_RECURSE files ${ROOT}/${folder}/*.h ${ROOT}/${folder}/*.hpp
                             ${ROOT}/${folder}/*.cpp ${ROOT}/${folder}/*.cc)
     foreach(file ${files})

@@ -234,6 +234,7 @@ const Encoding kEncodings[] = {
     {"Halfsize", 4, 0x1, 0, 2, 0},
     {"Halfsize", 6, 0x1, 0, 1, 0},
     {"Wrap", 0, 0x1, -2147483648.0, 2147483647, 0},
+    {"Pixel", 0, 0x8001, 0, 0, 0},
 };
 
 TEST_F(ModuleTest, ParameterEncodings) {

@@ -96,6 +96,14 @@ TEST_F(PixelModule, ChannelsClampRoundAndSeeTheOriginalValues) {
     EXPECT_EQ(out.at(0, 0), 0xFF002166u) << "alpha clamps to 255, red to 0, 0x20 + 0.5 rounds up, 0x40 * 1.6 = 102.4";
 }
 
+TEST_F(PixelModule, LaterChannelsSeeAssignedVariablesButTheSourcePixel) {
+    Image in(1, 1, 32), out(1, 1, 32);
+    in.set(0, 0, 0x10203040);
+    // Alpha makes t, red overwrites r: green still reads the source red, blue reads t.
+    ASSERT_TRUE(run(in, {"t = r + 1; 255", "r = 0; t", "r", "t + g"}, out));
+    EXPECT_EQ(out.at(0, 0), 0xFF212051u);
+}
+
 TEST_F(PixelModule, PositionAndImageVariables) {
     Image in(4, 3, 32), out(1, 1, 32);
     in.info.centerx = 2;

@@ -81,9 +81,9 @@ TEST(ExceptionDialog, ShowsTheThreeHeadingsAndTexts) {
     EXPECT_EQ(dialog.WhatText().toStdString(),
               "The command you are performing, \"Flip\", is causing an unidentified program "
               "error.  No data has been lost but the command has not been performed");
-    EXPECT_EQ(dialog.ScopeText().toStdString(), "The problem is the a result of a programming "
+    EXPECT_EQ(dialog.ScopeText().toStdString(), "The problem is the result of a programming "
                                                 "error and may cause additional problems.");
-    EXPECT_TRUE(dialog.ActionText().startsWith("Save your work and try the operation again.in .  "
+    EXPECT_TRUE(dialog.ActionText().startsWith("Save your work and try the operation again.  "
                                                "Send an e-mail to "));
 }
 
@@ -282,6 +282,30 @@ TEST(FileDialog, FiltersComeFromTheCodecRuleAndSavesGetAnExtension) {
     EXPECT_TRUE(filters.back().startsWith("All Files"));
     EXPECT_EQ(CTavixFileDlg::WithExtension("/tmp/out", rows, 1), "/tmp/out.fsh");
     EXPECT_EQ(CTavixFileDlg::WithExtension("/tmp/out.tga", rows, 1), "/tmp/out.tga");
+    EXPECT_EQ(CTavixFileDlg::AllSupported(open), "All supported files (*.fsh *.tga)");
+}
+
+TEST(FileDialog, ATypedExtensionChoosesTheDriverOverTheFilter) {
+    TavixAbout drivers[3] = {};
+    strcpy(drivers[0].extensions[0], ".fsh");
+    strcpy(drivers[1].extensions[0], ".ssh");
+    strcpy(drivers[2].extensions[0], ".png");
+    strcpy(drivers[2].extensions[1], ".bmp"); // stands in for a second driver's name
+    CTavixFileTypesList rows;
+    rows.BuildFrom(drivers);
+    struct Case {
+        const char* typed;
+        int filterDriver;
+        int expected;
+    } cases[] = {
+        {"/a/sprites.ssh", 0, 1},      // the fsh filter, an ssh name
+        {"/a/one.PNG", 0, 2},          // any case
+        {"/a/sprites", 1, 1},          // no extension: the filter decides
+        {"/a/sprites.xyz", 1, 1},      // no driver owns it: the filter decides
+        {"/a/dir.png/sprites", 0, 0},  // a dot in a folder is no extension
+    };
+    for (const Case& c : cases)
+        EXPECT_EQ(CTavixFileDlg::SaveDriver(c.typed, rows, c.filterDriver), c.expected) << c.typed;
 }
 
 TEST(SmallDialogs, SelectExpressionLimitAndAboutText) {

@@ -8,6 +8,7 @@
 
 #include "app/doc/CommandHandler.h"
 #include "app/ui/ChildFrame.h"
+#include "app/ui/HelpWindow.h"
 #include "app/doc/CommandIds.h"
 #include "app/ui/ImageListView.h"
 #include "app/ui/MainFrame.h"
@@ -29,9 +30,12 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 #include <QMenuBar>
+#include <QTextBrowser>
 #include <QToolBar>
+#include <QUrl>
 
 #include <cstdlib>
+#include <functional>
 
 using namespace uitest;
 using namespace ZyIds;
@@ -104,7 +108,7 @@ TEST_F(FrameTest, StartsWithANewDocumentMenusBarsAndPanes) {
     EXPECT_GT(m_Zy->DriverCount(), 0);
     EXPECT_EQ(m_Zy->DriverIndex("tga"), TavixFind("tga"));
 
-    EXPECT_EQ(Frame()->OutputWindow()->windowTitle(), "GPRINTF() Output Window");
+    EXPECT_EQ(Frame()->OutputWindow()->windowTitle(), "Output");
     gprintf("library says %d\n", 42);
     EXPECT_TRUE(Frame()->OutputWindow()->Text().contains("library says 42"));
 }
@@ -115,7 +119,15 @@ TEST_F(FrameTest, WithoutTheCodecLibraryNothingIsShown) {
     const bool started = Start();
     setenv("TAVIX_DRIVERNAME", saved.c_str(), 1);
     EXPECT_FALSE(started);
-    EXPECT_EQ(m_Script.m_Messages, std::vector<std::string>{"Cannot find Tavix.dll"});
+    ASSERT_EQ(m_Script.m_Messages.size(), 1u);
+    // The loader's own reason, not a guess.
+    const std::string& text = m_Script.m_Messages[0];
+    EXPECT_EQ(text.rfind("Zy cannot run without its codec library:\n\ncannot load the codec library "
+                         "/nonexistent/libtavix.so: ",
+                         0),
+              0u)
+        << text;
+    EXPECT_NE(text.find("No such file or directory"), std::string::npos) << text;
     EXPECT_EQ(m_Script.m_Captions, std::vector<std::string>{"Zy"});
     EXPECT_EQ(Frame(), nullptr);
 }
@@ -178,6 +190,96 @@ TEST_F(FrameTest, FlipThenUndoAndRedoRenameTheUndoItem) {
     EXPECT_TRUE(m_Script.m_Exceptions.empty());
 }
 
+// The one action a key sequence triggers in the frame; null when none or several.
+QAction* ActionOfKey(QWidget* frame, const QString& key) {
+    QAction* found = nullptr;
+    for (QAction* action : frame->findChildren<QAction*>()) {
+        if (!action->shortcuts().contains(QKeySequence(key))) continue;
+        EXPECT_EQ(found, nullptr) << key.toStdString() << " is bound twice";
+        found = action;
+    }
+    return found;
+}
+
+TEST_F(FrameTest, TheRedoKeysOnlyRedoAndTheStarFollowsTheSavedState) {
+    const QString path = Write("two.tvx", 2);
+    ASSERT_TRUE(Start({path}));
+    CTavixDoc* doc = Child()->GetDocument();
+    Child()->ListView()->First();
+    auto press = [&](const char* key) {
+        Frame()->UpdateAllActions(); // as the idle time does before a key arrives
+        QAction* action = ActionOfKey(Frame(), key);
+        ASSERT_NE(action, nullptr) << key;
+        action->trigger();
+    };
+    struct Step {
+        const char* what;
+        std::function<void()> act;
+        uint32_t pixel;
+        bool modified;
+    } steps[] = {
+        {"flip", [&] { Frame()->OnCommand(FlipHorizontal); }, 0xFF0000FF, true},
+        {"Ctrl+Y with nothing undone", [&] { press("Ctrl+Y"); }, 0xFF0000FF, true},
+        {"Ctrl+Shift+Z with nothing undone", [&] { press("Ctrl+Shift+Z"); }, 0xFF0000FF, true},
+        {"Ctrl+Z", [&] { press("Ctrl+Z"); }, 0xFFFF0000, false},
+        {"Ctrl+Y", [&] { press("Ctrl+Y"); }, 0xFF0000FF, true},
+        {"Ctrl+Z again", [&] { press("Ctrl+Z"); }, 0xFFFF0000, false},
+        {"Ctrl+Shift+Z", [&] { press("Ctrl+Shift+Z"); }, 0xFF0000FF, true},
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.what);
+        step.act();
+        EXPECT_EQ(doc->GetImageAt(0)->GetPixelValue(0, 0), step.pixel);
+        EXPECT_EQ(doc->IsModified(), step.modified);
+        EXPECT_EQ(Child()->isWindowModified(), step.modified) << "the title's *";
+    }
+}
+
+TEST_F(FrameTest, EveryKeyAMenuShowsTriggersThatItem) {
+    ASSERT_TRUE(Start());
+    std::function<void(QMenu*)> walk = [&](QMenu* menu) {
+        for (QAction* action : menu->actions()) {
+            if (action->menu()) {
+                walk(action->menu());
+                continue;
+            }
+            const QString text = action->text();
+            const qsizetype tab = text.indexOf('\t');
+            if (tab < 0) continue;
+            const QString key = text.mid(tab + 1);
+            SCOPED_TRACE(text.toStdString());
+            EXPECT_EQ(ActionOfKey(Frame(), key), action);
+        }
+    };
+    for (QMenu* menu : Frame()->menuBar()->findChildren<QMenu*>(Qt::FindDirectChildrenOnly)) walk(menu);
+    // The channel keys as the View menu prints them.
+    EXPECT_EQ(ActionOfKey(Frame(), "Alt+3"), Frame()->Action(ViewRed));
+    EXPECT_EQ(ActionOfKey(Frame(), "Alt+5"), Frame()->Action(ViewBlue));
+}
+
+TEST_F(FrameTest, F1ShowsTheManualInAWindowOfItsOwn) {
+    ASSERT_TRUE(Start());
+    Frame()->UpdateAllActions();
+    QAction* f1 = ActionOfKey(Frame(), "F1");
+    ASSERT_NE(f1, nullptr);
+    f1->trigger();
+    CHelpWindow* help = m_Zy->HelpWindow();
+    ASSERT_NE(help, nullptr);
+    EXPECT_TRUE(help->isVisible());
+    // Rendered, not shown as Markdown source.
+    const QString text = help->Browser()->toPlainText();
+    EXPECT_TRUE(text.startsWith("The Zy editor")) << text.left(80).toStdString();
+    EXPECT_FALSE(text.contains("## Using it"));
+    f1->trigger();
+    EXPECT_EQ(m_Zy->HelpWindow(), help) << "one window, raised again";
+
+    // A manual that is not there says so instead of showing nothing.
+    m_Profile.Profile().WriteString("CZy", "m_DocumentationUrl",
+                                    QUrl::fromLocalFile("/nonexistent/editor.md").toString().toStdString());
+    f1->trigger();
+    EXPECT_TRUE(help->Browser()->toPlainText().contains("/nonexistent/editor.md cannot be read"));
+}
+
 TEST_F(FrameTest, OpensSeveralFilesSideBySideAndRemembersThem) {
     const QString a = Write("a.tvx", 1), b = Write("b.tvx", 3);
     ASSERT_TRUE(Start({a, b}));
@@ -193,6 +295,29 @@ TEST_F(FrameTest, OpensSeveralFilesSideBySideAndRemembersThem) {
     EXPECT_EQ(Child()->Title(), "b.tvx");
     Frame()->UpdatePanes();
     EXPECT_EQ(Frame()->PaneLabel(CMainFrame::IndexPane)->text(), "1/3 (index 0)");
+}
+
+TEST_F(FrameTest, TheWindowMenuListsTheOpenDocuments) {
+    const QString a = Write("a.tvx", 1), b = Write("b.tvx", 3);
+    ASSERT_TRUE(Start({a, b}));
+    QMenu* menu = Frame()->Menu("Window");
+    ASSERT_NE(menu, nullptr);
+    auto documents = [&] {
+        emit menu->aboutToShow();
+        std::vector<std::pair<std::string, bool>> items;
+        for (QAction* action : menu->actions())
+            if (action->isCheckable()) items.emplace_back(action->text().remove('&').toStdString(), action->isChecked());
+        return items;
+    };
+    const std::string active = Child()->Title().toStdString();
+    const std::string other = active == "a.tvx" ? "b.tvx" : "a.tvx";
+    using Items = std::vector<std::pair<std::string, bool>>;
+    EXPECT_EQ(documents(), (Items{{"1 a.tvx", active == "a.tvx"}, {"2 b.tvx", active == "b.tvx"}}));
+    EXPECT_EQ(documents().size(), 2u) << "opening the menu again lists each document once";
+    // Choosing an entry activates that document.
+    for (QAction* action : menu->actions())
+        if (action->text().remove('&').endsWith(QString::fromStdString(other))) action->trigger();
+    EXPECT_EQ(Child()->Title().toStdString(), other);
 }
 
 TEST_F(FrameTest, TheDocumentACommandOrSaveRanOnStaysActive) {

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QScrollBar>
 
 using namespace uitest;
 using namespace ZyIds;
@@ -77,6 +78,40 @@ TEST_F(ImageViewTest, ZoomStaysWithinASixteenthAndSixteen) {
     m_View->OnCmdMsg(ViewZoomNormal);
     EXPECT_EQ(m_View->GetZoom(), 1.0);
     EXPECT_TRUE(m_View->SetZoom(1.0)); // the current value, above the bound
+}
+
+TEST_F(ImageViewTest, ZoomingAndNormalSizeKeepTheFocusedImageInView) {
+    m_Profile.Profile().WriteInt("CImageView", "m_bAnimateZoom", 0);
+    Open();
+    m_View->resize(200, 150);
+    m_View->show();
+    QApplication::processEvents();
+    auto focusedInView = [&](int left, int top, int size) {
+        const double z = m_View->GetZoom();
+        const QRect image(static_cast<int>(left * z), static_cast<int>(top * z), static_cast<int>(size * z),
+                          static_cast<int>(size * z));
+        const QRect visible(QPoint(m_View->horizontalScrollBar()->value(), m_View->verticalScrollBar()->value()),
+                            m_View->viewport()->size());
+        return visible.contains(image);
+    };
+    // The red image at (0, 0): zooming about the view's centre would push it out.
+    for (int step = 0; step < 4; ++step) {
+        m_View->OnCmdMsg(ViewZoomIn);
+        EXPECT_TRUE(focusedInView(0, 0, 8)) << "zoom " << m_View->GetZoom();
+    }
+    for (int step = 0; step < 6; ++step) {
+        m_View->OnCmdMsg(ViewZoomOut);
+        EXPECT_TRUE(focusedInView(0, 0, 8)) << "zoom " << m_View->GetZoom();
+    }
+    // The green one at (4, 4), the view scrolled far away: Normal Size brings it back.
+    m_Doc->SetFocus(1, false);
+    m_View->OnCmdMsg(ViewZoomIn);
+    m_View->OnCmdMsg(ViewZoomIn);
+    m_View->horizontalScrollBar()->setValue(m_View->horizontalScrollBar()->maximum());
+    m_View->verticalScrollBar()->setValue(m_View->verticalScrollBar()->maximum());
+    m_View->OnCmdMsg(ViewZoomNormal);
+    EXPECT_EQ(m_View->GetZoom(), 1.0);
+    EXPECT_TRUE(focusedInView(4, 4, 8));
 }
 
 TEST_F(ImageViewTest, ZoomDoesNothingWithoutImagesAndAnimatesWhenAsked) {

@@ -448,6 +448,16 @@ TEST_F(ListViewTest, EditingANameInPlaceIsAnUndoableRename) {
     EXPECT_EQ(model->data(name, Qt::DisplayRole).toString(), "img1");
 }
 
+TEST_F(ListViewTest, TheNameColumnFitsTheLongestName) {
+    Open(2);
+    const int standard = m_View->columnWidth(0);
+    const QString longName = "a_rather_long_sprite_name_0123";
+    ASSERT_TRUE(m_View->Model()->setData(m_View->Model()->index(1, 0), longName, Qt::EditRole));
+    EXPECT_GT(m_View->columnWidth(0), QFontMetrics(m_View->font()).horizontalAdvance(longName) + 16);
+    m_Doc->OnCmdMsg(Undo); // short names again: back to the standard width
+    EXPECT_EQ(m_View->columnWidth(0), standard);
+}
+
 TEST_F(ListViewTest, DeleteHintKeepsAFocusedSelectedImage) {
     Open(4);
     m_View->Last();
