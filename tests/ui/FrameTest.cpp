@@ -130,7 +130,7 @@ TEST_F(FrameTest, MenuItemsFollowTheRulesInAnEmptyDocument) {
         {FileSaveAs, true},     {FilePreferences, true}, {HelpAbout, true},
         {WindowTile, true},     {WindowNext, true},      {ViewGrid, true},
         {ViewZoomIn, false},    {Undo, false},           {FlipHorizontal, false},
-        {Rotate90CW, false},    {MergeSelected, false},  {Rgb4444, false},
+        {Rotate90CW, false},    {MergeSelected, false},  {ChangeColorDepth, false},
         {EditCut, false},       {EditPaste, false},      {NextImage, false},
         {EditSelectAll, false}, {PlayForward, false},    {FileMru1, false},
     };
