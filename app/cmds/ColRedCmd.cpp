@@ -36,14 +36,6 @@ int quantizerIndex(const char* name) {
     return index;
 }
 
-bool isNullQuantizer(int index) {
-    const int previous = quant_current();
-    quant_select(index);
-    GPtr<QuantDescriptor> descriptor(quant_describe());
-    quant_select(previous);
-    return !descriptor || (descriptor->flags & kQuantFlagNull) != 0;
-}
-
 uint32_t loadWord(const uint8_t* p) {
     uint32_t v;
     memcpy(&v, p, 4);
@@ -62,6 +54,14 @@ const char* methodChoices() {
 }
 
 } // namespace
+
+bool ColRedIsNullQuantizer(int index) {
+    const int previous = quant_current();
+    quant_select(index);
+    GPtr<QuantDescriptor> descriptor(quant_describe());
+    quant_select(previous);
+    return !descriptor || (descriptor->flags & kQuantFlagNull) != 0;
+}
 
 int ColRedMaxColours(int depthChoice) {
     return depthChoice == 1 ? 16 : depthChoice == 2 ? 2 : 256;
@@ -235,7 +235,7 @@ bool CColRedCmd::CheckValues() {
     const int depthColours = m_Bpp >= 8 ? 256 : 1 << m_Bpp;
     m_StartColour = std::clamp(m_StartColour, 0, 255);
     m_ColourCount = std::clamp(m_ColourCount, 1, std::min(depthColours, 256 - m_StartColour));
-    if (isNullQuantizer(m_Method) && !(m_ExactFirst && m_Operation != 2)) {
+    if (ColRedIsNullQuantizer(m_Method) && !(m_ExactFirst && m_Operation != 2)) {
         char text[160];
         snprintf(text, sizeof text,
                  "The %s quantizer makes no palette: choose another method in the Color Remap "

@@ -49,6 +49,8 @@ struct CColRedWizData : CDialogData {
 
 // The largest colour count a palette depth can hold (256, 16 or 2).
 int ColRedMaxColours(int depthChoice);
+// True for the null quantizer's entries, which make no palette.
+bool ColRedIsNullQuantizer(int index);
 
 class CColRedCmd : public CUndoableCmd {
   public:
