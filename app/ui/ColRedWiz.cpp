@@ -89,8 +89,8 @@ CPalettePage::CPalettePage(const CColRedWizData& data) {
     auto* form = new QFormLayout(this);
 
     m_Depth = new QComboBox;
-    m_Depth->addItems({"8-bit indexed (256 colors)", "4-bit indexed (16 colors)",
-                       "1-bit indexed (2 colors)"});
+    m_Depth->addItems(
+        {"8-bit indexed (256 colors)", "4-bit indexed (16 colors)", "1-bit indexed (2 colors)"});
     m_Depth->setCurrentIndex(std::clamp(data.m_Depth, 0, 2));
     form->addRow("&Depth:", m_Depth);
 
@@ -222,9 +222,8 @@ void CTrueColorPage::BitsChanged() {
     if (bits[1] + bits[2] + bits[3] == 0)
         m_Depth->setText("Keep at least one bit of red, green or blue.");
     else
-        m_Depth->setText(
-            QString("Depth: %1 bits per pixel.")
-                .arg(quant_layout_depth(bits[0], bits[1], bits[2], bits[3])));
+        m_Depth->setText(QString("Depth: %1 bits per pixel.")
+                             .arg(quant_layout_depth(bits[0], bits[1], bits[2], bits[3])));
     emit completeChanged();
 }
 

@@ -3,6 +3,7 @@
 #include "app/doc/Profile.h"
 #include "app/doc/UserInterface.h"
 #include "app/ui/ChildFrame.h"
+#include "app/ui/ColRedToolbar.h"
 #include "app/doc/CommandIds.h"
 #include "app/ui/IconFactory.h"
 #include "app/ui/MenuTable.h"
@@ -182,6 +183,8 @@ void CMainFrame::BuildToolbars() {
             }
             if (QAction* action = Action(id)) bar->addAction(action);
         }
+        if (QString(toolbar.name) == "ColorReductionBar")
+            AddColRedToolbarLists(bar, Action(ZyIds::ChangeColorDepth));
         m_Toolbars.push_back(bar);
         if (m_ToolbarsMenu) m_ToolbarsMenu->addAction(bar->toggleViewAction());
     }
@@ -331,6 +334,8 @@ void CMainFrame::OnIdle() {
         if (bar->isVisible())
             for (QAction* action : bar->actions())
                 if (!action->isSeparator()) UpdateAction(action);
+    if (QToolBar* bar = Toolbar("ColorReductionBar"); bar && bar->isVisible())
+        RefreshColRedToolbarLists(bar);
     UpdatePanes();
     if (CChildFrame* child = ActiveChild()) child->RefreshTitle();
 }

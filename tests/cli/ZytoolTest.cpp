@@ -585,9 +585,9 @@ TEST_F(ZytoolCommand, ColourReductionThroughFormatItemsAndTheWizard) {
             // Few enough colours to come through exactly.
             EXPECT_EQ(argbPixels(back.frames[0]), argbPixels(colourFrame(5, 4, a, "")))
                 << c.arguments;
-            EXPECT_EQ(memcmp(back.frames[0].info->colours, back.frames[1].info->colours, 1024) ==
-                          0,
-                      c.sharedPalette)
+            const bool same =
+                memcmp(back.frames[0].info->colours, back.frames[1].info->colours, 1024) == 0;
+            EXPECT_EQ(same, c.sharedPalette)
                 << c.arguments;
         }
     }

@@ -85,8 +85,8 @@ class ColRedTest : public ::testing::Test {
         image.GetPalette(entries);
         std::vector<uint32_t> out;
         for (const TavixColour& c : entries)
-            out.push_back(uint32_t(c.alpha) << 24 | uint32_t(c.red) << 16 |
-                          uint32_t(c.green) << 8 | c.blue);
+            out.push_back(uint32_t(c.alpha) << 24 | uint32_t(c.red) << 16 | uint32_t(c.green) << 8 |
+                          c.blue);
         return out;
     }
 
@@ -100,9 +100,9 @@ TEST_F(ColRedTest, FormatItemsGiveTheirDepthsAndLayouts) {
         unsigned id;
         int bufferbpp, bpp, numcolours, a, r, g, b;
     } cases[] = {
-        {Indexed4, 8, 4, 16, 8, 8, 8, 8},  {Indexed8, 8, 8, 256, 8, 8, 8, 8},
-        {Rgb555, 32, 15, 0, 1, 5, 5, 5},   {Rgb565, 32, 16, 0, 0, 5, 6, 5},
-        {Rgb32, 32, 32, 0, 8, 8, 8, 8},    {Rgb24, 32, 24, 0, 0, 8, 8, 8},
+        {Indexed4, 8, 4, 16, 8, 8, 8, 8},      {Indexed8, 8, 8, 256, 8, 8, 8, 8},
+        {Rgb555, 32, 15, 0, 1, 5, 5, 5},       {Rgb565, 32, 16, 0, 0, 5, 6, 5},
+        {Rgb32, 32, 32, 0, 8, 8, 8, 8},        {Rgb24, 32, 24, 0, 0, 8, 8, 8},
         {Rgb555Opaque, 32, 15, 0, 0, 5, 5, 5},
     };
     for (const Case& c : cases) {
@@ -138,8 +138,8 @@ TEST_F(ColRedTest, FormatItemsGiveTheirDepthsAndLayouts) {
 }
 
 TEST_F(ColRedTest, EveryQuantizerFamilyKeepsFewColoursExactly) {
-    for (const char* name : {"Wu", "Tw", "Wu777", "MQ", "Exact", "4D Wu", "Wu555", "Wu Ve",
-                             "Lloyd"}) {
+    for (const char* name :
+         {"Wu", "Tw", "Wu777", "MQ", "Exact", "4D Wu", "Wu555", "Wu Ve", "Lloyd"}) {
         doc.DeleteContents();
         eight("e");
         selectAll();
@@ -260,9 +260,9 @@ TEST_F(ColRedTest, ChangeColorDepthAppliesTheSavedChoices) {
         int type, bits[4], bpp;
         int wantBpp, wantColours;
     } cases[] = {
-        {"1555", 1, {1, 5, 5, 5}, 0, 15, 0}, {"0555", 1, {0, 5, 5, 5}, 0, 15, 0},
-        {"0565", 1, {0, 5, 6, 5}, 0, 16, 0}, {"4444", 1, {4, 4, 4, 4}, 0, 16, 0},
-        {"8888", 1, {8, 8, 8, 8}, 0, 32, 0}, {"pal 8", 0, {8, 8, 8, 8}, 8, 8, 256},
+        {"1555", 1, {1, 5, 5, 5}, 0, 15, 0},  {"0555", 1, {0, 5, 5, 5}, 0, 15, 0},
+        {"0565", 1, {0, 5, 6, 5}, 0, 16, 0},  {"4444", 1, {4, 4, 4, 4}, 0, 16, 0},
+        {"8888", 1, {8, 8, 8, 8}, 0, 32, 0},  {"pal 8", 0, {8, 8, 8, 8}, 8, 8, 256},
         {"pal 4", 0, {8, 8, 8, 8}, 4, 4, 16},
     };
     for (const Case& c : cases) {
