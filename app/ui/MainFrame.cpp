@@ -173,6 +173,9 @@ void CMainFrame::BuildExtraActions() {
 
 void CMainFrame::BuildToolbars() {
     for (const CToolbarDef& toolbar : ToolbarTable()) {
+        // The colour reduction bar's lists are wide: it starts a second row
+        // rather than vanish behind the first row's overflow arrow.
+        if (QString(toolbar.name) == "ColorReductionBar") addToolBarBreak();
         QToolBar* bar = addToolBar(QString::fromUtf8(toolbar.title));
         bar->setObjectName(toolbar.name);
         bar->setIconSize(QSize(16, 16));
