@@ -219,9 +219,10 @@ enum : unsigned {
     // the registry rule shows them disabled until a family takes them.
     MergeSelected = 35360,
     KoTool = 35361,
-    // The 4444 format item, taken by the colour reduction family although
-    // it lies outside the handler's range: routed to the registry directly.
-    Rgb4444 = 3683,
+    // "Change color depth of current image": applies the colour reduction
+    // toolbar's choices. It lies outside the handler's range, so it is
+    // routed to the registry directly.
+    ChangeColorDepth = 3683,
 };
 
 constexpr unsigned kFirstFamilyId = kFirstDocCommandId;

@@ -5,7 +5,7 @@
 namespace {
 
 constexpr CCommandEntry kEntries[] = {
-    {3683, "Rgb4444", "Convert the selected images to 16 bpp (4444)"},
+    {3683, "ChangeColorDepth", "Change color depth of current image"},
     {35002, "Import", "Import image files into the document"},
     {35003, "Export", "Export the selected images to files"},
     {35004, "Revert", "Throw away the changes made since the last save"},

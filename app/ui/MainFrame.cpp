@@ -3,6 +3,7 @@
 #include "app/doc/Profile.h"
 #include "app/doc/UserInterface.h"
 #include "app/ui/ChildFrame.h"
+#include "app/ui/ColRedToolbar.h"
 #include "app/doc/CommandIds.h"
 #include "app/ui/IconFactory.h"
 #include "app/ui/MenuTable.h"
@@ -174,6 +175,9 @@ void CMainFrame::BuildExtraActions() {
 
 void CMainFrame::BuildToolbars() {
     for (const CToolbarDef& toolbar : ToolbarTable()) {
+        // The colour reduction bar's lists are wide: it starts a second row
+        // rather than vanish behind the first row's overflow arrow.
+        if (QString(toolbar.name) == "ColorReductionBar") addToolBarBreak();
         QToolBar* bar = addToolBar(QString::fromUtf8(toolbar.title));
         bar->setObjectName(toolbar.name);
         bar->setIconSize(QSize(16, 16));
@@ -184,6 +188,8 @@ void CMainFrame::BuildToolbars() {
             }
             if (QAction* action = Action(id)) bar->addAction(action);
         }
+        if (QString(toolbar.name) == "ColorReductionBar")
+            AddColRedToolbarLists(bar, Action(ZyIds::ChangeColorDepth));
         m_Toolbars.push_back(bar);
         if (m_ToolbarsMenu) m_ToolbarsMenu->addAction(bar->toggleViewAction());
     }
@@ -361,6 +367,8 @@ void CMainFrame::OnIdle() {
         if (bar->isVisible())
             for (QAction* action : bar->actions())
                 if (!action->isSeparator()) UpdateAction(action);
+    if (QToolBar* bar = Toolbar("ColorReductionBar"); bar && bar->isVisible())
+        RefreshColRedToolbarLists(bar);
     UpdatePanes();
     if (CChildFrame* child = ActiveChild()) child->RefreshTitle();
 }

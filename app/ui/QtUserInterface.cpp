@@ -2,6 +2,7 @@
 
 #include "app/doc/TavixImage.h"
 #include "app/ui/Clipboard.h"
+#include "app/ui/ColRedWiz.h"
 #include "app/ui/ExceptionDlg.h"
 #include "app/ui/ExchangeDlg.h"
 #include "app/ui/LayoutDlg.h"
@@ -83,6 +84,7 @@ CQtUserInterface::CQtUserInterface() {
     g_qtUi = this;
     RegisterExchangeDialogs();
     RegisterLayoutDialogs();
+    RegisterColRedDialogs();
 }
 
 CQtUserInterface::~CQtUserInterface() {

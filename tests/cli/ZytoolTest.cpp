@@ -643,6 +643,77 @@ TEST_F(ZytoolCommand, LayoutAndMipMapsTakeTheirDialogValues) {
     EXPECT_EQ(std::string(back.frames[2].info->framename), "a");
 }
 
+TEST_F(ZytoolCommand, ColourReductionThroughFormatItemsAndTheWizard) {
+    const std::vector<uint32_t> a = {0xFF102030, 0xFFF0E0D0, 0xFF00FF00};
+    const std::vector<uint32_t> b = {0xFF808080, 0xFF0000FF};
+    std::vector<TavixFrame> frames;
+    frames.push_back(colourFrame(5, 4, a, "a"));
+    frames.push_back(colourFrame(3, 3, b, "b"));
+    const std::string in = writeFrames("c.tvx", std::move(frames));
+    const std::string wiz = "ColorDepthWizard --set CColRedWiz/";
+    struct Case {
+        std::string arguments;
+        int bufferbpp, bpp, abits, gbits;
+        bool sharedPalette;
+    };
+    const Case cases[] = {
+        {"Indexed8", 8, 8, 8, 8, true},
+        {"Indexed4 --set CColRedCmd/m_Operation=1", 8, 4, 8, 8, false},
+        {"Rgb565", 32, 16, 0, 6, false},
+        {"Rgb555", 32, 15, 1, 5, false},
+        {wiz + "m_Type=TrueColor --set CColRedWiz/m_ABits=4 --set CColRedWiz/m_RBits=4 "
+               "--set CColRedWiz/m_GBits=4 --set CColRedWiz/m_BBits=4",
+         32, 16, 4, 4, false},
+        {wiz + "m_Type=Palette --set CColRedWiz/m_Method=Lloyd --set CColRedWiz/m_Operation=Shared",
+         8, 8, 8, 8, true},
+        {wiz + "m_Type=Palette --set CColRedWiz/m_Method=Exact --set CColRedWiz/m_Operation=Unique "
+               "--set CColRedWiz/m_Depth=4-bit",
+         8, 4, 8, 8, false},
+        {"ChangeColorDepth --set CColRedCmd/m_ColRedType=1 --set CColRedCmd/m_ABits=1 "
+         "--set CColRedCmd/m_RBits=5 --set CColRedCmd/m_GBits=5 --set CColRedCmd/m_BBits=5",
+         32, 15, 1, 5, false},
+    };
+    for (const Case& c : cases) {
+        ToolRun run = zytool("command " + c.arguments + " " + in + " " + out("c8.tvx"), m_folder);
+        ASSERT_EQ(run.status, 0) << c.arguments << ": " << run.err;
+        TavixReadResult back = TavixReadFile(out("c8.tvx"));
+        ASSERT_EQ(back.frames.size(), 2u);
+        for (int i = 0; i < 2; ++i) {
+            const TavixInfo& info = *back.frames[i].info;
+            EXPECT_EQ(info.bufferbpp, c.bufferbpp) << c.arguments;
+            EXPECT_EQ(info.bpp, c.bpp) << c.arguments;
+            EXPECT_EQ(info.alphabits, c.abits) << c.arguments;
+            EXPECT_EQ(info.greenbits, c.gbits) << c.arguments;
+        }
+        if (c.bufferbpp == 8) {
+            // Few enough colours to come through exactly.
+            EXPECT_EQ(argbPixels(back.frames[0]), argbPixels(colourFrame(5, 4, a, "")))
+                << c.arguments;
+            const bool same =
+                memcmp(back.frames[0].info->colours, back.frames[1].info->colours, 1024) == 0;
+            EXPECT_EQ(same, c.sharedPalette)
+                << c.arguments;
+        }
+    }
+    struct Refusal {
+        std::string arguments;
+        const char* message;
+    };
+    const Refusal refusals[] = {
+        {wiz + "m_Type=Palette --set CColRedWiz/m_Method=Nil", "Nil quantizer makes no palette"},
+        {wiz + "m_Type=TrueColor --set CColRedWiz/m_RBits=0 --set CColRedWiz/m_GBits=0 "
+               "--set CColRedWiz/m_BBits=0",
+         "at least one bit of red, green or blue"},
+        {wiz + "m_Depth=16-bit", "CColRedWiz/m_Depth: '16-bit' does not fit"},
+    };
+    for (const Refusal& r : refusals) {
+        ToolRun run = zytool("command " + r.arguments + " " + in + " " + out("r.tvx"), m_folder);
+        EXPECT_NE(run.status, 0) << r.arguments;
+        EXPECT_NE(run.err.find(r.message), std::string::npos) << run.err;
+        EXPECT_FALSE(std::filesystem::exists(out("r.tvx")));
+    }
+}
+
 TEST_F(ZytoolCommand, ListsCommandsAndRefusesUnknownOnes) {
     ToolRun list = zytool("commands", m_folder);
     EXPECT_NE(list.out.find("35082  Duplicate            Duplicate the selected images\n"),

@@ -9,6 +9,7 @@
 #include "app/doc/CommandHandler.h"
 #include "app/ui/ChildFrame.h"
 #include "app/ui/HelpWindow.h"
+#include "app/ui/ColRedToolbar.h"
 #include "app/doc/CommandIds.h"
 #include "app/ui/ImageListView.h"
 #include "app/ui/MainFrame.h"
@@ -22,6 +23,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QFileInfo>
@@ -31,6 +33,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QTextBrowser>
+#include <QStatusBar>
 #include <QToolBar>
 #include <QUrl>
 
@@ -142,7 +145,7 @@ TEST_F(FrameTest, MenuItemsFollowTheRulesInAnEmptyDocument) {
         {FileSaveAs, true},     {FilePreferences, true}, {HelpAbout, true},
         {WindowTile, true},     {WindowNext, true},      {ViewGrid, true},
         {ViewZoomIn, false},    {Undo, false},           {FlipHorizontal, false},
-        {Rotate90CW, false},    {MergeSelected, false},  {Rgb4444, false},
+        {Rotate90CW, false},    {MergeSelected, false},  {ChangeColorDepth, false},
         {EditCut, false},       {EditPaste, false},      {NextImage, false},
         {EditSelectAll, false}, {PlayForward, false},    {FileMru1, false},
     };
@@ -499,3 +502,51 @@ TEST_F(FrameTest, ListItemsFollowTheSelection) {
     EXPECT_EQ(Child()->GetDocument()->GetImageCount(), 4);
     EXPECT_EQ(Item(Undo)->text().toStdString(), "Can't Undo Duplicate\tCtrl+Z");
 }
+
+namespace {
+
+// Picks the item `text` of the colour reduction bar's list `name` as a user would.
+void pick(QToolBar* bar, const char* name, const QString& text) {
+    auto* box = bar->findChild<QComboBox*>(name);
+    ASSERT_NE(box, nullptr) << name;
+    const int index = box->findText(text);
+    ASSERT_GE(index, 0) << text.toStdString();
+    box->setCurrentIndex(index);
+    emit box->activated(index);
+}
+
+TEST_F(FrameTest, ColourReductionBarListsDriveChangeColorDepthWithUndo) {
+    const QString path = Write("two.tvx", 2);
+    ASSERT_TRUE(Start({path}));
+    CTavixDoc* doc = Child()->GetDocument();
+    QToolBar* bar = Frame()->Toolbar("ColorReductionBar");
+    ASSERT_NE(bar, nullptr);
+    ASSERT_TRUE(bar->actions().contains(Frame()->Action(ChangeColorDepth)));
+    EXPECT_TRUE(Item(ChangeColorDepth)->isEnabled());
+
+    pick(bar, "m_ColRedType", "Change Color Depth");
+    pick(bar, "layout", "4444");
+    EXPECT_EQ(m_Profile.Profile().GetInt("CColRedCmd", "m_ABits", 0), 4);
+    Frame()->OnCommand(ChangeColorDepth);
+    EXPECT_EQ(doc->GetImageAt(0)->GetInfo()->bpp, 16);
+    EXPECT_EQ(doc->GetImageAt(0)->GetInfo()->alphabits, 4);
+    EXPECT_EQ(Item(Undo)->text().toStdString(), "Undo Color Reduction\tCtrl+Z");
+    Frame()->OnCommand(Undo);
+    EXPECT_EQ(doc->GetImageAt(0)->GetInfo()->bpp, 32);
+
+    pick(bar, "m_ColRedType", "Color Reduction");
+    pick(bar, "m_Bpp", "4-bit indexed");
+    Frame()->OnCommand(ChangeColorDepth);
+    EXPECT_EQ(doc->GetImageAt(0)->GetInfo()->bufferbpp, 8);
+    EXPECT_EQ(doc->GetImageAt(0)->GetInfo()->bpp, 4);
+    EXPECT_EQ(doc->GetImageAt(0)->GetPixelValue(0, 0), 0xFFFF0000u) << "two colours stay exact";
+    EXPECT_EQ(Frame()->statusBar()->currentMessage(), "Building palette with Wu method");
+
+    // The lists show settings that changed elsewhere.
+    m_Profile.Profile().WriteInt("CColRedCmd", "m_Dither", 3);
+    RefreshColRedToolbarLists(bar);
+    EXPECT_EQ(bar->findChild<QComboBox*>("m_Dither")->currentText(), "Stucki");
+    EXPECT_TRUE(m_Script.m_Exceptions.empty());
+}
+
+} // namespace
