@@ -28,6 +28,7 @@ CMoveColorCmd::CMoveColorCmd() {
 }
 
 bool CMoveColorCmd::Init(CTavixDoc* doc) {
+    if (m_Preset >= 0 && m_Preset <= 255) return Init(doc, m_Preset);
     CMoveColorDlgData dialog;
     dialog.m_Target = m_Target;
     if (!ZyUi().EditDialog(dialog)) return false;

@@ -21,8 +21,11 @@ class CMoveColorCmd : public CUndoableCmd {
   public:
     // Copies the colour selection as the source mask.
     CMoveColorCmd();
-    // Asks the target.
+    // Asks the target, unless one was preset.
     bool Init(CTavixDoc* doc) override;
+    // A target known before the command starts (a drop in the palette
+    // well): Init then asks nothing.
+    void PresetTarget(int target) { m_Preset = target; }
     // With the target given (a drop in the palette well): no dialog.
     bool Init(CTavixDoc* doc, int target);
     std::unique_ptr<CTavixImage> FilterImage(CTavixImage* image) override;
@@ -32,6 +35,7 @@ class CMoveColorCmd : public CUndoableCmd {
   private:
     std::vector<uint8_t> m_Mask;
     int m_Target = 0;
+    int m_Preset = -1;
 };
 
 class CMoveColorInfo : public CCommandInfo {

@@ -7,6 +7,7 @@
 #include "app/ui/IconFactory.h"
 #include "app/ui/MenuTable.h"
 #include "app/ui/OutputWindow.h"
+#include "app/ui/PaletteWell.h"
 #include "app/ui/WindowPlacement.h"
 #include "app/ui/Zy.h"
 
@@ -67,6 +68,14 @@ bool CMainFrame::Create() {
     m_Output = new COutputWindow(this);
     addDockWidget(Qt::BottomDockWidgetArea, m_Output);
     m_Output->hide();
+
+    // The palette well follows the active document's focused image.
+    m_PaletteWell = new CPaletteWell(this);
+    addDockWidget(Qt::RightDockWidgetArea, m_PaletteWell);
+    connect(m_PaletteWell->Well(), &CPaletteWellWidget::CommandRun, this, [this] {
+        if (CChildFrame* child = ActiveChild()) child->RefreshTitle();
+        UpdateAllActions();
+    });
 
     BuildMenus();
     BuildExtraActions();
@@ -192,6 +201,7 @@ void CMainFrame::BuildToolbars() {
         status->setChecked(true);
         connect(status, &QAction::toggled, this, [this](bool on) { statusBar()->setVisible(on); });
         m_ToolbarsMenu->addAction(m_Output->toggleViewAction());
+        m_ToolbarsMenu->addAction(m_PaletteWell->toggleViewAction());
     }
 }
 
@@ -248,6 +258,11 @@ QList<CChildFrame*> CMainFrame::Children() const {
 
 QMdiSubWindow* CMainFrame::AddChild(CChildFrame* child) {
     connect(child, &CChildFrame::ContextMenuRequested, this, &CMainFrame::ShowContextMenu);
+    // The well must not keep a closed document.
+    // The next idle turn points it at whichever document is active then.
+    connect(child, &QObject::destroyed, this, [this] {
+        if (m_PaletteWell) m_PaletteWell->Well()->SetDocument(nullptr);
+    });
     QMdiSubWindow* window = m_MdiArea->addSubWindow(child);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->resize(child->size());
@@ -333,6 +348,13 @@ void CMainFrame::OnIdle() {
                 if (!action->isSeparator()) UpdateAction(action);
     UpdatePanes();
     if (CChildFrame* child = ActiveChild()) child->RefreshTitle();
+    RefreshPaletteWell();
+}
+
+void CMainFrame::RefreshPaletteWell() {
+    if (!m_PaletteWell) return;
+    CChildFrame* child = ActiveChild();
+    m_PaletteWell->Well()->SetDocument(child ? child->GetDocument() : nullptr);
 }
 
 void CMainFrame::OnSubWindowActivated(QMdiSubWindow* window) {
@@ -340,6 +362,7 @@ void CMainFrame::OnSubWindowActivated(QMdiSubWindow* window) {
     for (CChildFrame* child : Children())
         child->SetFrameActive(window && window->widget() == child);
     UpdatePanes();
+    RefreshPaletteWell();
 }
 
 void CMainFrame::SetRecentFiles(const QStringList& paths) {

@@ -15,6 +15,7 @@
 
 class CChildFrame;
 class COutputWindow;
+class CPaletteWell;
 class CZy;
 class QLabel;
 class QMdiArea;
@@ -40,6 +41,7 @@ class CMainFrame : public QMainWindow {
     QList<CChildFrame*> Children() const;
     QMdiSubWindow* AddChild(CChildFrame* child);
     COutputWindow* OutputWindow() const { return m_Output; }
+    CPaletteWell* PaletteWell() const { return m_PaletteWell; }
 
     QAction* Action(unsigned id) const;
     QMenu* Menu(const QString& title) const;
@@ -76,10 +78,13 @@ class CMainFrame : public QMainWindow {
     // The shape list's context menu: its items are this frame's actions.
     void ShowContextMenu(const QPoint& globalPos);
     void OnIdle();
+    // Points the palette well at the active document's focused image.
+    void RefreshPaletteWell();
 
     CZy* m_App;
     QMdiArea* m_MdiArea = nullptr;
     COutputWindow* m_Output = nullptr;
+    CPaletteWell* m_PaletteWell = nullptr;
     std::map<unsigned, QAction*> m_Actions;
     std::vector<QToolBar*> m_Toolbars;
     QMenu* m_ToolbarsMenu = nullptr;
