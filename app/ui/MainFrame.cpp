@@ -8,6 +8,7 @@
 #include "app/ui/MenuTable.h"
 #include "app/ui/OutputWindow.h"
 #include "app/ui/PaletteWell.h"
+#include "app/ui/PropertiesDock.h"
 #include "app/ui/WindowPlacement.h"
 #include "app/ui/Zy.h"
 
@@ -73,6 +74,17 @@ bool CMainFrame::Create() {
     m_PaletteWell = new CPaletteWell(this);
     addDockWidget(Qt::RightDockWidgetArea, m_PaletteWell);
     connect(m_PaletteWell->Well(), &CPaletteWellWidget::CommandRun, this, [this] {
+        if (CChildFrame* child = ActiveChild()) child->RefreshTitle();
+        UpdateAllActions();
+    });
+    connect(m_PaletteWell->Well(), &CPaletteWellWidget::HoverChanged, this,
+            [this](const QString& text) {
+                if (!text.isEmpty()) statusBar()->showMessage(text);
+            });
+    m_Properties = new CPropertiesDock(this);
+    addDockWidget(Qt::RightDockWidgetArea, m_Properties);
+    m_Properties->hide();
+    connect(m_Properties, &CPropertiesDock::CommandRun, this, [this] {
         if (CChildFrame* child = ActiveChild()) child->RefreshTitle();
         UpdateAllActions();
     });
@@ -202,6 +214,7 @@ void CMainFrame::BuildToolbars() {
         connect(status, &QAction::toggled, this, [this](bool on) { statusBar()->setVisible(on); });
         m_ToolbarsMenu->addAction(m_Output->toggleViewAction());
         m_ToolbarsMenu->addAction(m_PaletteWell->toggleViewAction());
+        m_ToolbarsMenu->addAction(m_Properties->toggleViewAction());
     }
 }
 
@@ -262,6 +275,7 @@ QMdiSubWindow* CMainFrame::AddChild(CChildFrame* child) {
     // The next idle turn points it at whichever document is active then.
     connect(child, &QObject::destroyed, this, [this] {
         if (m_PaletteWell) m_PaletteWell->Well()->SetDocument(nullptr);
+        if (m_Properties) m_Properties->SetDocument(nullptr);
     });
     QMdiSubWindow* window = m_MdiArea->addSubWindow(child);
     window->setAttribute(Qt::WA_DeleteOnClose);
@@ -272,7 +286,25 @@ QMdiSubWindow* CMainFrame::AddChild(CChildFrame* child) {
     return window;
 }
 
+bool CMainFrame::FrameCommand(unsigned id) {
+    if (id != ViewProperties && id != ShapeProperties) return false;
+    m_Properties->show();
+    m_Properties->raise();
+    RefreshPaletteWell();
+    return true;
+}
+
+bool CMainFrame::FrameUpdate(CUiCmdUI& ui) {
+    if (ui.m_nID != ViewProperties && ui.m_nID != ShapeProperties) return false;
+    ui.Enable(true);
+    return true;
+}
+
 void CMainFrame::OnCommand(unsigned id) {
+    if (FrameCommand(id)) {
+        UpdateAllActions();
+        return;
+    }
     QPointer<CChildFrame> child = ActiveChild();
     if (child && child->OnCmdMsg(id)) {
         // Progress windows and message boxes take the activation while a
@@ -315,7 +347,8 @@ void CMainFrame::UpdateAction(QAction* action) {
     if (!ok || !id) return;
     CUiCmdUI ui(id);
     CChildFrame* child = ActiveChild();
-    const bool handled = (child && child->OnUpdateCmdUI(ui)) || m_App->OnUpdateCmdUI(ui);
+    const bool handled =
+        FrameUpdate(ui) || (child && child->OnUpdateCmdUI(ui)) || m_App->OnUpdateCmdUI(ui);
     action->setEnabled(handled && ui.m_bEnabled);
     if (action->isCheckable()) action->setChecked(handled && ui.m_bCheckSet && ui.m_bChecked);
     if (handled && ui.m_bTextSet) action->setText(QString::fromStdString(ui.m_strText));
@@ -355,6 +388,7 @@ void CMainFrame::RefreshPaletteWell() {
     if (!m_PaletteWell) return;
     CChildFrame* child = ActiveChild();
     m_PaletteWell->Well()->SetDocument(child ? child->GetDocument() : nullptr);
+    if (m_Properties) m_Properties->SetDocument(child ? child->GetDocument() : nullptr);
 }
 
 void CMainFrame::OnSubWindowActivated(QMdiSubWindow* window) {

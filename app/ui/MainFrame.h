@@ -16,6 +16,7 @@
 class CChildFrame;
 class COutputWindow;
 class CPaletteWell;
+class CPropertiesDock;
 class CZy;
 class QLabel;
 class QMdiArea;
@@ -42,6 +43,7 @@ class CMainFrame : public QMainWindow {
     QMdiSubWindow* AddChild(CChildFrame* child);
     COutputWindow* OutputWindow() const { return m_Output; }
     CPaletteWell* PaletteWell() const { return m_PaletteWell; }
+    CPropertiesDock* Properties() const { return m_Properties; }
 
     QAction* Action(unsigned id) const;
     QMenu* Menu(const QString& title) const;
@@ -85,6 +87,10 @@ class CMainFrame : public QMainWindow {
     QMdiArea* m_MdiArea = nullptr;
     COutputWindow* m_Output = nullptr;
     CPaletteWell* m_PaletteWell = nullptr;
+    CPropertiesDock* m_Properties = nullptr;
+    // The frame's own items (the docked windows); true when `id` is one.
+    bool FrameCommand(unsigned id);
+    bool FrameUpdate(CUiCmdUI& ui);
     std::map<unsigned, QAction*> m_Actions;
     std::vector<QToolBar*> m_Toolbars;
     QMenu* m_ToolbarsMenu = nullptr;
