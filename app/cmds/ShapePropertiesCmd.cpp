@@ -133,7 +133,7 @@ bool CShapePropertiesCmd::Init(CTavixDoc* doc) {
         m_Edit = dialog.Changes(before);
     }
     if (m_Edit.IsEmpty()) return false;
-    doc->GetSelectionMask(m_Range);
+    if (!m_bPresetTargets) doc->GetSelectionMask(m_Range);
     m_Positions = MarkedPositions(m_Range);
     Submit();
     return true;

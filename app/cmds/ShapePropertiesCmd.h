@@ -62,6 +62,9 @@ class CShapePropertiesCmd : public CCommand {
     // The change to make, known before the command starts (the properties
     // window); Init then asks nothing.
     void PresetEdit(const CShapeEdit& edit) { m_Edit = edit; m_bPreset = true; }
+    // The images to edit instead of the selection (a centre dragged on the
+    // worksheet belongs to one image).
+    void PresetTargets(const CRange& targets) { m_Range = targets; m_bPresetTargets = true; }
     void Do() override;
     void Undo() override;
     void Redo() override;
@@ -71,6 +74,7 @@ class CShapePropertiesCmd : public CCommand {
 
     CShapeEdit m_Edit;
     bool m_bPreset = false;
+    bool m_bPresetTargets = false;
     CRange m_Range;
     std::vector<int> m_Positions;
     std::vector<std::vector<uint8_t>> m_Before, m_After;
