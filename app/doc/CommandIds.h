@@ -258,5 +258,8 @@ enum : unsigned {
     SortPaletteRgb = ID_PALETTE_SORT_RGB,
     SortPaletteLeastUsed = ID_PALETTE_SORT_LEAST_USED,
     SortPaletteMostUsed = ID_PALETTE_SORT_MOST_USED,
+    // The worksheet's own items for finding the selection.
+    ViewZoomToFit = 34800,
+    ViewGoToSelected = 34801,
 };
 } // namespace ZyIds

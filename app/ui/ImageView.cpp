@@ -412,6 +412,42 @@ void CImageView::MoveSelected(int dx, int dy) {
     InvalidateAll();
 }
 
+QRect CImageView::SelectionBounds() const {
+    CRange mask;
+    m_Doc->GetSelectionMask(mask);
+    QRect bounds;
+    for (int i = 0; i < mask.GetSize(); ++i) {
+        if (!mask.IsSelected(i)) continue;
+        const CRect r = m_Doc->GetImageAt(i)->GetPlacementRect();
+        bounds |= QRect(r.left, r.top, std::max(1, r.Width()), std::max(1, r.Height()));
+    }
+    return bounds;
+}
+
+void CImageView::ShowSelection(bool fit) {
+    const QRect bounds = SelectionBounds();
+    if (bounds.isEmpty()) return;
+    const QSize page = viewport()->size();
+    if (fit) {
+        // The largest zoom step (a power of two) at which the selection fits.
+        double zoom = kMaxZoom;
+        while (zoom > kMinZoom &&
+               (bounds.width() * zoom > page.width() || bounds.height() * zoom > page.height()))
+            zoom /= 2;
+        if (zoom != m_Zoom) {
+            const bool animate = m_ZoomAnimation;
+            m_ZoomAnimation = false;
+            SetZoom(zoom);
+            m_ZoomAnimation = animate;
+        }
+    }
+    const QPoint centre((bounds.left() + bounds.right() + 1) * m_Zoom / 2,
+                        (bounds.top() + bounds.bottom() + 1) * m_Zoom / 2);
+    horizontalScrollBar()->setValue(centre.x() - page.width() / 2);
+    verticalScrollBar()->setValue(centre.y() - page.height() / 2);
+    InvalidateAll();
+}
+
 void CImageView::DrawDragOverlay(QPainter& painter) const {
     if (m_Drag == NoDrag) return;
     painter.setPen(QPen(Qt::black, 1, Qt::DashLine));
@@ -524,6 +560,10 @@ bool CImageView::OnCmdMsg(unsigned id) {
     case ViewZoomNormal:
         SetZoom(1.0);
         return true;
+    case ViewZoomToFit:
+    case ViewGoToSelected:
+        ShowSelection(id == ViewZoomToFit);
+        return true;
     case CheckerLarger:
     case CheckerSmaller:
         s.m_CheckerSize = std::clamp(s.m_CheckerSize + (id == CheckerLarger ? 1 : -1), 1, 8);
@@ -629,6 +669,8 @@ bool CImageView::OnUpdateCmdUI(CUiCmdUI& ui) {
         ui.SetCheck(m_SelectionEdges);
         return true;
     case ViewZoomNormal:
+    case ViewZoomToFit:
+    case ViewGoToSelected:
     case CheckerLarger:
     case CheckerSmaller:
     case ShowFocusedImage:

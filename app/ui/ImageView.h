@@ -124,6 +124,11 @@ class CImageView : public QAbstractScrollArea, public CView, public CCommandTarg
     int HitTest(const QPoint& ws) const;
     // Moves the selected images by (dx, dy) as one undoable command.
     void MoveSelected(int dx, int dy);
+    // The selected images' placement, in worksheet pixels (empty for none).
+    QRect SelectionBounds() const;
+    // Scrolls the selection to the middle; with `fit`, zooms first to the
+    // largest step at which it fits.
+    void ShowSelection(bool fit);
 
   private:
     enum DragMode { NoDrag, MoveDrag, BandDrag, CentreDrag };

@@ -137,3 +137,22 @@ TEST_F(WorksheetEditTest, TheCentreMarkerDragsWhenPointsAreShown) {
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(WorksheetEditTest, ZoomToFitAndGoToSelectedShowTheSelection) {
+    m_Doc->GetSelectionModel().Select(2); // 8 x 8 at (40, 30)
+    m_View->OnCmdMsg(ZyIds::ViewZoomToFit);
+    EXPECT_EQ(m_View->GetZoom(), 16.0);
+    const QRect shown = m_View->viewport()->rect();
+    EXPECT_TRUE(shown.contains(m_View->FromWorksheet({40, 30})));
+    EXPECT_TRUE(shown.contains(m_View->FromWorksheet({47, 37})));
+    m_Doc->GetSelectionModel().SelectAll(false);
+    m_Doc->GetImageAt(1)->SetDefaultPoint({900, 700});
+    m_Doc->GetSelectionModel().Select(1);
+    m_View->OnCmdMsg(ZyIds::ViewGoToSelected);
+    EXPECT_EQ(m_View->GetZoom(), 16.0) << "going there keeps the zoom";
+    EXPECT_TRUE(shown.contains(m_View->FromWorksheet({904, 704})));
+}
+
+} // namespace
