@@ -9,6 +9,7 @@
 
 #include "app/doc/CmdUI.h"
 #include "app/doc/Command.h"
+#include "app/doc/ColourSelection.h"
 #include "app/doc/CommandTable.h"
 #include "app/doc/ConsoleUi.h"
 #include "app/doc/Profile.h"
@@ -99,6 +100,19 @@ void selectImages(const Args& args, CTavixDoc& doc) {
     doc.SetFocus(indices->front(), false);
 }
 
+// The palette well's colour selection of --colors, for the palette
+// commands; none without it.
+void selectColours(const Args& args) {
+    CColourSelection& colours = ZyColourSelection();
+    colours.Clear();
+    if (!args.has("colors")) return;
+    std::array<uint8_t, 256> flags{};
+    std::string error;
+    if (!ParseColourList(args.option("colors"), flags, error))
+        throw ToolError("--colors: " + error);
+    colours.SetFlags(flags);
+}
+
 void writeDocument(const CTavixDoc& doc, const std::string& path, int driver) {
     if (doc.GetImageCount() == 0)
         throw ToolError("the document holds no images after the command; nothing written");
@@ -119,7 +133,7 @@ int runCommand(const Args& args) {
     if (args.positional.size() != 3)
         throw ToolError(
             "usage: zytool command ID|NAME IN OUT [--select EXPR] [--set SECTION/KEY=VALUE ...] "
-            "[--answer yes|no] [--format NAME]");
+            "[--colors LIST] [--answer yes|no] [--format NAME]");
     const unsigned id = commandId(args.positional[0]);
     CCommandInfo* info = CCommandInfoHandler::Find(id);
     if (!info) throw ToolError("command " + commandLabel(id) + " has no family in this build");
@@ -141,6 +155,7 @@ int runCommand(const Args& args) {
     if (!doc.OnOpenDocument(args.positional[1]))
         throw ToolError("cannot read '" + args.positional[1] + "'");
     selectImages(args, doc);
+    selectColours(args);
 
     CCmdUI state(id);
     doc.GetCommandHandler().OnUpdateCommandRange(&state);

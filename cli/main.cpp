@@ -43,7 +43,8 @@ const Verb kVerbs[] = {
     {"modules", "modules                         list the image modules and their parameters",
      zytool::runModules},
     {"command", "command ID|NAME IN OUT [--select EXPR] [--set SECTION/KEY=VALUE ...] [--answer yes|no]\n"
-                "                                  run one editor command on the images of IN",
+                "                [--colors LIST]   run one editor command on the images of IN; LIST\n"
+                "                                  (\"3,10-12\") is the palette well's colour selection",
      zytool::runCommand},
     {"commands", "commands [--keys ID|NAME]       list the editor's commands, or the settings one reads",
      zytool::runCommands},

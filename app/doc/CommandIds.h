@@ -229,3 +229,42 @@ constexpr unsigned kFirstFamilyId = kFirstDocCommandId;
 constexpr unsigned kLastFamilyId = kLastDocCommandId;
 
 } // namespace ZyIds
+
+// ---- The palette commands ----------------------------------------------------
+// The palette well's own items lie outside the handler's range and reach the
+// registry directly.
+constexpr unsigned ID_PALETTE_MOVE_COLORS = 33991;     // "Move Colors"
+// Entries trade places, pixels keep their indices: the picture changes.
+constexpr unsigned ID_PALETTE_EXCHANGE_COLORS = 33992; // "Exchange Colors"
+// Entries and the pixels using them trade places: the picture stays.
+constexpr unsigned ID_PALETTE_SWAP_COLORS = 33993;     // "Swap Colors"
+constexpr unsigned ID_PALETTE_SORT = 25240;            // "Sort Palette...": asks the sort string
+constexpr unsigned ID_PALETTE_SORT_HSV = 35241;        // sort string "HSV"
+constexpr unsigned ID_PALETTE_SORT_RGB = 35242;        // sort string "RGB"
+constexpr unsigned ID_PALETTE_SORT_LEAST_USED = 35243; // sort string "P": least used first
+constexpr unsigned ID_PALETTE_SORT_MOST_USED = 35244;  // sort string "p": most used first
+constexpr unsigned ID_IMAGE_SET_PALETTE_SELECTED = 35006;
+constexpr unsigned ID_IMAGE_SET_PALETTE_ALL = 35007;
+constexpr unsigned ID_IMAGE_ATTACH_PALETTE = 35300;
+constexpr unsigned ID_IMAGE_NAMED_PALETTE = 35301;
+// Remap to the well's colours: 35063 looks colours up in a table of 15-bit
+// keys (fast; colours that differ only in their low bits or in alpha share
+// an entry), 35064 searches the palette for every colour (slow, exact).
+constexpr unsigned ID_IMAGE_REMAP_PALETTE = 35063;
+constexpr unsigned ID_IMAGE_REMAP_PALETTE_BETTER = 35064;
+
+namespace ZyIds {
+enum : unsigned {
+    MoveColors = ID_PALETTE_MOVE_COLORS,
+    ExchangeColors = ID_PALETTE_EXCHANGE_COLORS,
+    SwapColors = ID_PALETTE_SWAP_COLORS,
+    SortPalette = ID_PALETTE_SORT,
+    SortPaletteHsv = ID_PALETTE_SORT_HSV,
+    SortPaletteRgb = ID_PALETTE_SORT_RGB,
+    SortPaletteLeastUsed = ID_PALETTE_SORT_LEAST_USED,
+    SortPaletteMostUsed = ID_PALETTE_SORT_MOST_USED,
+    // The worksheet's own items for finding the selection.
+    ViewZoomToFit = 34800,
+    ViewGoToSelected = 34801,
+};
+} // namespace ZyIds

@@ -6,6 +6,11 @@ namespace {
 
 constexpr CCommandEntry kEntries[] = {
     {3683, "ChangeColorDepth", "Change color depth of current image"},
+    // The palette well's items.
+    {25240, "SortPalette", "Sort the palettes of the selected images by a sort string"},
+    {33991, "MoveColors", "Move the pixels of the selected colors to one index"},
+    {33992, "ExchangeColors", "Exchange two palette entries; the pixels keep their indices"},
+    {33993, "SwapColors", "Swap two colors and the pixels using them; the picture stays"},
     {35002, "Import", "Import image files into the document"},
     {35003, "Export", "Export the selected images to files"},
     {35004, "Revert", "Throw away the changes made since the last save"},
@@ -50,6 +55,11 @@ constexpr CCommandEntry kEntries[] = {
     {35085, "InsertNewImage", "Insert a new image after the focused one"},
     {35127, "LayoutWizard", "Lay the images out on texture pages"},
     {35128, "ArbitraryRotate", "Rotate the selected images by any angle"},
+    // Palette sorts by fixed strings.
+    {35241, "SortPaletteHSV", "Sort the palettes by hue, saturation and value"},
+    {35242, "SortPaletteRGB", "Sort the palettes by red, green and blue"},
+    {35243, "SortPaletteLeastUsed", "Sort the palettes by use, least used first"},
+    {35244, "SortPaletteMostUsed", "Sort the palettes by use, most used first"},
     {35250, "BringForward", "Move the selected images one place toward the start of the list"},
     {35251, "SendBack", "Move the selected images one place toward the end of the list"},
     {35252, "BringToFront", "Move the selected images to the start of the list"},

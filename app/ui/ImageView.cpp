@@ -1,5 +1,8 @@
 #include "app/ui/ImageView.h"
 
+#include "app/cmds/MoveImagesCmd.h"
+#include "app/cmds/ShapePropertiesCmd.h"
+
 #include "app/doc/Hints.h"
 #include "app/doc/Profile.h"
 #include "app/doc/TavixDoc.h"
@@ -9,6 +12,7 @@
 #include "app/doc/CommandIds.h"
 
 #include <QApplication>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -141,6 +145,7 @@ void CImageView::paintEvent(QPaintEvent* event) {
     const QImage frame(bitmap.GetBits(), bitmap.GetWidth(), bitmap.GetHeight(), bitmap.GetPitch(),
                        QImage::Format_RGB32);
     painter.drawImage(clip.topLeft(), frame);
+    DrawDragOverlay(painter);
 }
 
 void CImageView::resizeEvent(QResizeEvent* event) {
@@ -282,6 +287,10 @@ void CImageView::wheelEvent(QWheelEvent* event) {
 
 void CImageView::mouseMoveEvent(QMouseEvent* event) {
     m_Mouse = event->position().toPoint();
+    if (m_Drag != NoDrag) {
+        m_CurrentWs = ToWorksheet(m_Mouse);
+        viewport()->update();
+    }
     QAbstractScrollArea::mouseMoveEvent(event);
 }
 
@@ -292,7 +301,196 @@ void CImageView::leaveEvent(QEvent* event) {
 
 void CImageView::mousePressEvent(QMouseEvent* event) {
     setFocus(Qt::MouseFocusReason);
-    QAbstractScrollArea::mousePressEvent(event);
+    if (event->button() != Qt::LeftButton || m_Doc->GetImageCount() == 0) {
+        QAbstractScrollArea::mousePressEvent(event);
+        return;
+    }
+    const QPoint ws = ToWorksheet(event->position().toPoint());
+    m_PressWs = m_CurrentWs = ws;
+    CSelectionModel& selection = m_Doc->GetSelectionModel();
+    const Qt::KeyboardModifiers mods = event->modifiers();
+    const bool extend = mods & (Qt::ControlModifier | Qt::ShiftModifier);
+    // With points shown, the focused image's centre marker can be dragged.
+    const int focus = m_Doc->GetFocusIndex();
+    if (m_Settings.m_PointsVisible && !extend) {
+        const CTavixImage* image = m_Doc->GetImageAt(focus);
+        if (image) {
+            const CPoint at = image->GetDefaultPoint(), centre = image->GetCenterPoint();
+            const QPoint marker = FromWorksheet({at.x + centre.x, at.y + centre.y});
+            if ((marker - event->position().toPoint()).manhattanLength() <= 4) {
+                m_Drag = CentreDrag;
+                m_CentreImage = focus;
+                return;
+            }
+        }
+    }
+    const int hit = HitTest(ws);
+    if (hit >= 0) {
+        if (mods & Qt::ControlModifier)
+            selection.Select(hit, !selection.IsSelected(hit));
+        else if (mods & Qt::ShiftModifier)
+            selection.Select(hit);
+        else if (!selection.IsSelected(hit)) {
+            selection.SelectAll(false);
+            selection.Select(hit);
+        }
+        m_Doc->SetFocus(hit, false);
+        m_Drag = selection.IsSelected(hit) ? MoveDrag : NoDrag;
+    } else {
+        if (!extend) selection.SelectAll(false);
+        m_Drag = BandDrag;
+    }
+    m_Doc->UpdateAllViews(nullptr);
+}
+
+void CImageView::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton || m_Drag == NoDrag) {
+        QAbstractScrollArea::mouseReleaseEvent(event);
+        return;
+    }
+    const DragMode mode = m_Drag;
+    m_Drag = NoDrag;
+    m_CurrentWs = ToWorksheet(event->position().toPoint());
+    const QPoint delta = m_CurrentWs - m_PressWs;
+    viewport()->update();
+    if (mode == MoveDrag) {
+        if (!delta.isNull()) MoveSelected(delta.x(), delta.y());
+    } else if (mode == CentreDrag) {
+        CTavixImage* image = m_Doc->GetImageAt(m_CentreImage);
+        if (!image || delta.isNull()) return;
+        CShapeEdit edit;
+        const CPoint at = image->GetDefaultPoint();
+        edit.m_CenterX = m_CurrentWs.x() - at.x;
+        edit.m_CenterY = m_CurrentWs.y() - at.y;
+        CRange target(m_Doc->GetImageCount());
+        target.SetAt(m_CentreImage, 1);
+        auto* cmd = new CShapePropertiesCmd;
+        cmd->PresetEdit(edit);
+        cmd->PresetTargets(target);
+        m_Doc->GetCommandHandler().Start(cmd);
+    } else if (mode == BandDrag) {
+        const QRect band = QRect(m_PressWs, m_CurrentWs).normalized();
+        CSelectionModel& selection = m_Doc->GetSelectionModel();
+        int first = -1;
+        for (int i = 0; i < m_Doc->GetImageCount(); ++i) {
+            const CRect r = m_Doc->GetImageAt(i)->GetPlacementRect();
+            if (band.intersects(QRect(r.left, r.top, r.Width(), r.Height()))) {
+                selection.Select(i);
+                if (first < 0) first = i;
+            }
+        }
+        if (first >= 0) m_Doc->SetFocus(first, false);
+        m_Doc->UpdateAllViews(nullptr);
+    }
+}
+
+void CImageView::keyPressEvent(QKeyEvent* event) {
+    const int step = (event->modifiers() & Qt::ShiftModifier) ? 8 : 1;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        MoveSelected(-step, 0);
+        return;
+    case Qt::Key_Right:
+        MoveSelected(step, 0);
+        return;
+    case Qt::Key_Up:
+        MoveSelected(0, -step);
+        return;
+    case Qt::Key_Down:
+        MoveSelected(0, step);
+        return;
+    default:
+        QAbstractScrollArea::keyPressEvent(event);
+    }
+}
+
+QPoint CImageView::ToWorksheet(const QPoint& pos) const {
+    const QPoint s = ScrollPosition();
+    return {static_cast<int>(std::floor((pos.x() + s.x()) / m_Zoom)),
+            static_cast<int>(std::floor((pos.y() + s.y()) / m_Zoom))};
+}
+
+QPoint CImageView::FromWorksheet(const QPoint& ws) const {
+    const QPoint s = ScrollPosition();
+    return {static_cast<int>(std::floor(ws.x() * m_Zoom)) - s.x(),
+            static_cast<int>(std::floor(ws.y() * m_Zoom)) - s.y()};
+}
+
+int CImageView::HitTest(const QPoint& ws) const {
+    // The first image of the list is drawn on top; shown images (selected
+    // or focused) come before hidden ones.
+    int hidden = -1;
+    const int focus = m_Doc->GetFocusIndex();
+    for (int i = 0; i < m_Doc->GetImageCount(); ++i) {
+        const CRect r = m_Doc->GetImageAt(i)->GetPlacementRect();
+        if (ws.x() < r.left || ws.x() >= r.right || ws.y() < r.top || ws.y() >= r.bottom) continue;
+        if (m_Doc->GetSelectionModel().IsSelected(i) || i == focus) return i;
+        if (hidden < 0) hidden = i;
+    }
+    return hidden;
+}
+
+void CImageView::MoveSelected(int dx, int dy) {
+    if (m_Doc->GetImageCount() == 0 || (dx == 0 && dy == 0)) return;
+    m_Doc->GetCommandHandler().Start(new CMoveImagesCmd(dx, dy));
+    InvalidateAll();
+}
+
+QRect CImageView::SelectionBounds() const {
+    CRange mask;
+    m_Doc->GetSelectionMask(mask);
+    QRect bounds;
+    for (int i = 0; i < mask.GetSize(); ++i) {
+        if (!mask.IsSelected(i)) continue;
+        const CRect r = m_Doc->GetImageAt(i)->GetPlacementRect();
+        bounds |= QRect(r.left, r.top, std::max(1, r.Width()), std::max(1, r.Height()));
+    }
+    return bounds;
+}
+
+void CImageView::ShowSelection(bool fit) {
+    const QRect bounds = SelectionBounds();
+    if (bounds.isEmpty()) return;
+    const QSize page = viewport()->size();
+    if (fit) {
+        // The largest zoom step (a power of two) at which the selection fits.
+        double zoom = kMaxZoom;
+        while (zoom > kMinZoom &&
+               (bounds.width() * zoom > page.width() || bounds.height() * zoom > page.height()))
+            zoom /= 2;
+        if (zoom != m_Zoom) {
+            const bool animate = m_ZoomAnimation;
+            m_ZoomAnimation = false;
+            SetZoom(zoom);
+            m_ZoomAnimation = animate;
+        }
+    }
+    const QPoint centre((bounds.left() + bounds.right() + 1) * m_Zoom / 2,
+                        (bounds.top() + bounds.bottom() + 1) * m_Zoom / 2);
+    horizontalScrollBar()->setValue(centre.x() - page.width() / 2);
+    verticalScrollBar()->setValue(centre.y() - page.height() / 2);
+    InvalidateAll();
+}
+
+void CImageView::DrawDragOverlay(QPainter& painter) const {
+    if (m_Drag == NoDrag) return;
+    painter.setPen(QPen(Qt::black, 1, Qt::DashLine));
+    painter.setBrush(Qt::NoBrush);
+    const QPoint delta = m_CurrentWs - m_PressWs;
+    if (m_Drag == BandDrag) {
+        painter.drawRect(QRect(FromWorksheet(m_PressWs), FromWorksheet(m_CurrentWs)).normalized());
+    } else if (m_Drag == MoveDrag) {
+        for (int i = 0; i < m_Doc->GetImageCount(); ++i) {
+            if (!m_Doc->GetSelectionModel().IsSelected(i)) continue;
+            const CRect r = m_Doc->GetImageAt(i)->GetPlacementRect();
+            painter.drawRect(QRect(FromWorksheet(QPoint(r.left, r.top) + delta),
+                                   FromWorksheet(QPoint(r.right, r.bottom) + delta) - QPoint(1, 1)));
+        }
+    } else {
+        const QPoint at = FromWorksheet(m_CurrentWs);
+        painter.drawLine(at - QPoint(5, 0), at + QPoint(5, 0));
+        painter.drawLine(at - QPoint(0, 5), at + QPoint(0, 5));
+    }
 }
 
 void CImageView::showEvent(QShowEvent* event) {
@@ -386,6 +584,10 @@ bool CImageView::OnCmdMsg(unsigned id) {
     case ViewZoomNormal:
         SetZoom(1.0);
         KeepFocusInView();
+        return true;
+    case ViewZoomToFit:
+    case ViewGoToSelected:
+        ShowSelection(id == ViewZoomToFit);
         return true;
     case CheckerLarger:
     case CheckerSmaller:
@@ -492,6 +694,8 @@ bool CImageView::OnUpdateCmdUI(CUiCmdUI& ui) {
         ui.SetCheck(m_SelectionEdges);
         return true;
     case ViewZoomNormal:
+    case ViewZoomToFit:
+    case ViewGoToSelected:
     case CheckerLarger:
     case CheckerSmaller:
     case ShowFocusedImage:

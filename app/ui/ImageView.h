@@ -81,6 +81,8 @@ class CImageView : public QAbstractScrollArea, public CView, public CCommandTarg
     void leaveEvent(QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
   private:
@@ -114,4 +116,27 @@ class CImageView : public QAbstractScrollArea, public CView, public CCommandTarg
     bool m_Shown = false;
     QPoint m_Mouse{-1, -1};
     QRegion m_LastInvalidated;
+
+    // ---- Editing by hand ----
+  public:
+    // The worksheet pixel under view point `pos` (scroll and zoom applied).
+    QPoint ToWorksheet(const QPoint& pos) const;
+    // The view point of worksheet pixel `ws` (its top-left corner).
+    QPoint FromWorksheet(const QPoint& ws) const;
+    // The image under worksheet pixel `ws`, the one drawn on top first; -1.
+    int HitTest(const QPoint& ws) const;
+    // Moves the selected images by (dx, dy) as one undoable command.
+    void MoveSelected(int dx, int dy);
+    // The selected images' placement, in worksheet pixels (empty for none).
+    QRect SelectionBounds() const;
+    // Scrolls the selection to the middle; with `fit`, zooms first to the
+    // largest step at which it fits.
+    void ShowSelection(bool fit);
+
+  private:
+    enum DragMode { NoDrag, MoveDrag, BandDrag, CentreDrag };
+    void DrawDragOverlay(QPainter& painter) const;
+    DragMode m_Drag = NoDrag;
+    QPoint m_PressWs, m_CurrentWs;
+    int m_CentreImage = -1;
 };

@@ -8,6 +8,8 @@
 #include "app/ui/IconFactory.h"
 #include "app/ui/MenuTable.h"
 #include "app/ui/OutputWindow.h"
+#include "app/ui/PaletteWell.h"
+#include "app/ui/PropertiesDock.h"
 #include "app/ui/WindowPlacement.h"
 #include "app/ui/Zy.h"
 
@@ -68,6 +70,25 @@ bool CMainFrame::Create() {
     m_Output = new COutputWindow(this);
     addDockWidget(Qt::BottomDockWidgetArea, m_Output);
     m_Output->hide();
+
+    // The palette well follows the active document's focused image.
+    m_PaletteWell = new CPaletteWell(this);
+    addDockWidget(Qt::RightDockWidgetArea, m_PaletteWell);
+    connect(m_PaletteWell->Well(), &CPaletteWellWidget::CommandRun, this, [this] {
+        if (CChildFrame* child = ActiveChild()) child->RefreshTitle();
+        UpdateAllActions();
+    });
+    connect(m_PaletteWell->Well(), &CPaletteWellWidget::HoverChanged, this,
+            [this](const QString& text) {
+                if (!text.isEmpty()) statusBar()->showMessage(text);
+            });
+    m_Properties = new CPropertiesDock(this);
+    addDockWidget(Qt::RightDockWidgetArea, m_Properties);
+    m_Properties->hide();
+    connect(m_Properties, &CPropertiesDock::CommandRun, this, [this] {
+        if (CChildFrame* child = ActiveChild()) child->RefreshTitle();
+        UpdateAllActions();
+    });
 
     BuildMenus();
     if (QMenu* window = Menu("Window"))
@@ -200,6 +221,8 @@ void CMainFrame::BuildToolbars() {
         status->setChecked(true);
         connect(status, &QAction::toggled, this, [this](bool on) { statusBar()->setVisible(on); });
         m_ToolbarsMenu->addAction(m_Output->toggleViewAction());
+        m_ToolbarsMenu->addAction(m_PaletteWell->toggleViewAction());
+        m_ToolbarsMenu->addAction(m_Properties->toggleViewAction());
     }
 }
 
@@ -256,6 +279,12 @@ QList<CChildFrame*> CMainFrame::Children() const {
 
 QMdiSubWindow* CMainFrame::AddChild(CChildFrame* child) {
     connect(child, &CChildFrame::ContextMenuRequested, this, &CMainFrame::ShowContextMenu);
+    // The well must not keep a closed document.
+    // The next idle turn points it at whichever document is active then.
+    connect(child, &QObject::destroyed, this, [this] {
+        if (m_PaletteWell) m_PaletteWell->Well()->SetDocument(nullptr);
+        if (m_Properties) m_Properties->SetDocument(nullptr);
+    });
     QMdiSubWindow* window = m_MdiArea->addSubWindow(child);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->resize(child->size());
@@ -265,7 +294,25 @@ QMdiSubWindow* CMainFrame::AddChild(CChildFrame* child) {
     return window;
 }
 
+bool CMainFrame::FrameCommand(unsigned id) {
+    if (id != ViewProperties && id != ShapeProperties) return false;
+    m_Properties->show();
+    m_Properties->raise();
+    RefreshPaletteWell();
+    return true;
+}
+
+bool CMainFrame::FrameUpdate(CUiCmdUI& ui) {
+    if (ui.m_nID != ViewProperties && ui.m_nID != ShapeProperties) return false;
+    ui.Enable(true);
+    return true;
+}
+
 void CMainFrame::OnCommand(unsigned id) {
+    if (FrameCommand(id)) {
+        UpdateAllActions();
+        return;
+    }
     QPointer<CChildFrame> child = ActiveChild();
     if (child && child->OnCmdMsg(id)) {
         // Progress windows and message boxes take the activation while a
@@ -336,7 +383,8 @@ void CMainFrame::UpdateAction(QAction* action) {
     if (!ok || !id) return;
     CUiCmdUI ui(id);
     CChildFrame* child = ActiveChild();
-    const bool handled = (child && child->OnUpdateCmdUI(ui)) || m_App->OnUpdateCmdUI(ui);
+    const bool handled =
+        FrameUpdate(ui) || (child && child->OnUpdateCmdUI(ui)) || m_App->OnUpdateCmdUI(ui);
     action->setEnabled(handled && ui.m_bEnabled);
     if (action->isCheckable()) action->setChecked(handled && ui.m_bCheckSet && ui.m_bChecked);
     if (handled && ui.m_bTextSet) action->setText(QString::fromStdString(ui.m_strText));
@@ -371,6 +419,14 @@ void CMainFrame::OnIdle() {
         RefreshColRedToolbarLists(bar);
     UpdatePanes();
     if (CChildFrame* child = ActiveChild()) child->RefreshTitle();
+    RefreshPaletteWell();
+}
+
+void CMainFrame::RefreshPaletteWell() {
+    if (!m_PaletteWell) return;
+    CChildFrame* child = ActiveChild();
+    m_PaletteWell->Well()->SetDocument(child ? child->GetDocument() : nullptr);
+    if (m_Properties) m_Properties->SetDocument(child ? child->GetDocument() : nullptr);
 }
 
 void CMainFrame::OnSubWindowActivated(QMdiSubWindow* window) {
@@ -378,6 +434,7 @@ void CMainFrame::OnSubWindowActivated(QMdiSubWindow* window) {
     for (CChildFrame* child : Children())
         child->SetFrameActive(window && window->widget() == child);
     UpdatePanes();
+    RefreshPaletteWell();
 }
 
 void CMainFrame::SetRecentFiles(const QStringList& paths) {

@@ -15,6 +15,8 @@
 
 class CChildFrame;
 class COutputWindow;
+class CPaletteWell;
+class CPropertiesDock;
 class CZy;
 class QLabel;
 class QMdiArea;
@@ -40,6 +42,8 @@ class CMainFrame : public QMainWindow {
     QList<CChildFrame*> Children() const;
     QMdiSubWindow* AddChild(CChildFrame* child);
     COutputWindow* OutputWindow() const { return m_Output; }
+    CPaletteWell* PaletteWell() const { return m_PaletteWell; }
+    CPropertiesDock* Properties() const { return m_Properties; }
 
     QAction* Action(unsigned id) const;
     QMenu* Menu(const QString& title) const;
@@ -79,10 +83,17 @@ class CMainFrame : public QMainWindow {
     // The shape list's context menu: its items are this frame's actions.
     void ShowContextMenu(const QPoint& globalPos);
     void OnIdle();
+    // Points the palette well at the active document's focused image.
+    void RefreshPaletteWell();
 
     CZy* m_App;
     QMdiArea* m_MdiArea = nullptr;
     COutputWindow* m_Output = nullptr;
+    CPaletteWell* m_PaletteWell = nullptr;
+    CPropertiesDock* m_Properties = nullptr;
+    // The frame's own items (the docked windows); true when `id` is one.
+    bool FrameCommand(unsigned id);
+    bool FrameUpdate(CUiCmdUI& ui);
     std::map<unsigned, QAction*> m_Actions;
     std::vector<QToolBar*> m_Toolbars;
     QMenu* m_ToolbarsMenu = nullptr;

@@ -763,3 +763,57 @@ TEST_F(Zytool, RunTakesTheSecondImageOfTwoImageModules) {
     ToolRun single = zytool("run Flip Horizontal " + in + " " + out + " --second " + second, m_folder);
     EXPECT_NE(single.err.find("takes one image"), std::string::npos) << single.err;
 }
+
+// ---- The palette commands with the palette well's selection given by --colors ----
+
+TEST_F(ZytoolCommand, PaletteCommandsTakeColoursAndDialogsFromTheCommandLine) {
+    std::vector<TavixFrame> frames;
+    frames.push_back(makeFrame(6, 4, 8, "pal"));
+    const std::string in = writeFrames("pal.tvx", std::move(frames));
+    const TavixReadResult source = TavixReadFile(in);
+    const TavixInfo& info0 = *source.frames[0].info;
+    auto colourAt = [](const TavixFrame& frame, int x, int y) {
+        const TavixColour& c = frame.info->colours[frame.pixels[static_cast<size_t>(y * frame.pitch + x)]];
+        return static_cast<uint32_t>(c.alpha) << 24 | c.red << 16 | c.green << 8 | c.blue;
+    };
+    auto picture = [&](const TavixFrame& frame) {
+        std::vector<uint32_t> colours;
+        for (int y = 0; y < frame.info->height; ++y)
+            for (int x = 0; x < frame.info->width; ++x)
+                colours.push_back(colourAt(frame, x, y));
+        return colours;
+    };
+    struct Case {
+        std::string arguments;
+        bool pictureKept;
+        int entry;          // an entry of the result
+        int fromEntry;      // the source entry it holds
+    };
+    const Case cases[] = {
+        {"SwapColors --colors 3,5", true, 3, 5},
+        {"ExchangeColors --colors 5,3", false, 5, 3},
+        {"33993 --set CSwapColorDlg/m_Index1=2 --set CSwapColorDlg/m_Index2=9", true, 9, 2},
+        {"SortPalette --set CSortPalDlg/m_SortStr=p", true, -1, -1},
+        {"SortPaletteRGB --colors 0-7", true, -1, -1},
+    };
+    for (const Case& c : cases) {
+        ToolRun run = zytool("command " + c.arguments + " " + in + " " + out("p.tvx"), m_folder);
+        ASSERT_EQ(run.status, 0) << c.arguments << ": " << run.err;
+        const TavixReadResult back = TavixReadFile(out("p.tvx"));
+        EXPECT_EQ(picture(back.frames[0]) == picture(source.frames[0]), c.pictureKept) << c.arguments;
+        if (c.entry >= 0) {
+            EXPECT_EQ(memcmp(&back.frames[0].info->colours[c.entry], &info0.colours[c.fromEntry], 4), 0)
+                << c.arguments;
+        }
+    }
+    ToolRun keys = zytool("commands --keys SwapColors", m_folder);
+    EXPECT_EQ(keys.out, "CSwapColorCmd/m_Index1\nCSwapColorCmd/m_Index2\nCSwapColorDlg/m_Index1\n"
+                        "CSwapColorDlg/m_Index2\n");
+    ToolRun bad = zytool("command SwapColors --colors 3,300 " + in + " " + out("x.tvx"), m_folder);
+    EXPECT_NE(bad.err.find("--colors: palette index 300 is above 255"), std::string::npos) << bad.err;
+    ToolRun none = zytool("command MoveColors " + in + " " + out("x.tvx"), m_folder);
+    EXPECT_NE(none.err.find("not available"), std::string::npos) << none.err;
+    ToolRun named = zytool("command NamedPalette " + in + " " + out("n.tvx"), m_folder);
+    ASSERT_EQ(named.status, 0) << named.err;
+    EXPECT_EQ(names(out("n.tvx")), "pal!pal");
+}
