@@ -1,6 +1,6 @@
 #include "app/ui/ImageView.h"
 
-#include "app/cmds/MoveImagesCmd.h"
+#include "app/cmds/NudgeImagesCmd.h"
 #include "app/cmds/ShapePropertiesCmd.h"
 
 #include "app/doc/Hints.h"
@@ -432,7 +432,7 @@ int CImageView::HitTest(const QPoint& ws) const {
 
 void CImageView::MoveSelected(int dx, int dy) {
     if (m_Doc->GetImageCount() == 0 || (dx == 0 && dy == 0)) return;
-    m_Doc->GetCommandHandler().Start(new CMoveImagesCmd(dx, dy));
+    m_Doc->GetCommandHandler().Start(new CNudgeImagesCmd(dx, dy));
     InvalidateAll();
 }
 

@@ -281,10 +281,13 @@ QMdiSubWindow* CMainFrame::AddChild(CChildFrame* child) {
     connect(child, &CChildFrame::ContextMenuRequested, this, &CMainFrame::ShowContextMenu);
     // The well must not keep a closed document.
     // The next idle turn points it at whichever document is active then.
-    connect(child, &QObject::destroyed, this, [this] {
-        if (m_PaletteWell) m_PaletteWell->Well()->SetDocument(nullptr);
-        if (m_Properties) m_Properties->SetDocument(nullptr);
-    });
+    // The windows themselves are the context: the frame may be half gone
+    // when its last documents close.
+    CPaletteWellWidget* well = m_PaletteWell->Well();
+    connect(child, &QObject::destroyed, well, [well] { well->SetDocument(nullptr); });
+    CPropertiesDock* properties = m_Properties;
+    connect(child, &QObject::destroyed, properties,
+            [properties] { properties->SetDocument(nullptr); });
     QMdiSubWindow* window = m_MdiArea->addSubWindow(child);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->resize(child->size());

@@ -7,9 +7,9 @@
 
 #include "app/cmds/PlaceCmd.h"
 
-class CMoveImagesCmd : public CPlaceCmd {
+class CNudgeImagesCmd : public CPlaceCmd {
   public:
-    CMoveImagesCmd(int dx, int dy);
+    CNudgeImagesCmd(int dx, int dy);
 
   protected:
     CPoint NewPosition(const CTavixImage& image) const override;
