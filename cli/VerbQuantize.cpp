@@ -19,11 +19,6 @@
 namespace zytool {
 namespace {
 
-bool keepsAlpha(int32_t method) {
-    const std::string name = quant_name(method);
-    return name == "Tw" || name == "4D Wu" || name == "Exact";
-}
-
 bool hasAlpha(const TavixFrame& frame) {
     const TavixInfo& info = *frame.info;
     for (int32_t y = 0; y < info.height; ++y)
@@ -76,7 +71,7 @@ int32_t methodFor(const Args& args, const std::vector<const TavixFrame*>& frames
         }
     if (!args.has("method")) return alpha ? quant_find("Tw") : quant_find("Wu");
     const int32_t method = methodByName(args.option("method"));
-    if (alpha && !keepsAlpha(method))
+    if (alpha && !quant_keeps_alpha(method))
         throw ToolError(std::string("frame '") + frames[withAlpha]->info->framename +
                         "' has transparent pixels and method " + quant_name(method) +
                         " works on colour alone: use Tw, '4D Wu' or Exact");

@@ -53,6 +53,24 @@ const char* methodChoices() {
     return names.c_str();
 }
 
+// The first of `images` with a pixel that is not opaque; null when none.
+const CTavixImage* firstTransparent(const std::vector<CTavixImage*>& images) {
+    for (const CTavixImage* image : images) {
+        const TavixInfo& info = *image->GetInfo();
+        for (int y = 0; y < info.height; ++y) {
+            const uint8_t* row = image->GetRow(y);
+            for (int x = 0; x < info.width; ++x) {
+                const uint32_t argb =
+                    info.bufferbpp <= 8
+                        ? module_load_argb(reinterpret_cast<const uint8_t*>(&info.colours[row[x]]))
+                        : loadWord(row + 4 * x);
+                if (argb >> 24 != 0xFF) return image;
+            }
+        }
+    }
+    return nullptr;
+}
+
 } // namespace
 
 bool ColRedIsNullQuantizer(int index) {
@@ -171,7 +189,28 @@ bool CColRedCmd::Init(CTavixDoc* doc, unsigned nID) {
     }
     if (!CheckValues()) return false;
     CopySelection();
+    if (!KeepAlpha(nID == ColorDepthWizard)) return false;
     Submit();
+    return true;
+}
+
+bool CColRedCmd::KeepAlpha(bool methodChosen) {
+    if (m_ColRedType != 0 || m_Operation == 2 || quant_keeps_alpha(m_Method)) return true;
+    std::vector<CTavixImage*> images;
+    for (int i = 0; i < m_Range.GetSize(); ++i)
+        if (m_Range.IsSelected(i) && m_pDoc->GetImageAt(i)) images.push_back(m_pDoc->GetImageAt(i));
+    const CTavixImage* clear = firstTransparent(images);
+    if (!clear) return true;
+    const std::string what = "The image '" + clear->GetName() + "' has transparent pixels and the " +
+                             quant_name(m_Method) + " method works on colour alone";
+    if (methodChosen) {
+        ZyUi().MessageBox(what + ": choose Tw, 4D Wu or Exact to keep them.", MsgButtons::OK,
+                          MsgIcon::Error);
+        return false;
+    }
+    // A menu item names no method: take the one that keeps alpha.
+    m_Method = quantizerIndex("Tw");
+    ZyUi().SetStatusText(what + ": using Tw, which keeps them.");
     return true;
 }
 

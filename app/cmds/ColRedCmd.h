@@ -77,6 +77,10 @@ class CColRedCmd : public CUndoableCmd {
     bool RunWizard();
     // Refuses values that cannot give a result, with a message naming why.
     bool CheckValues();
+    // A palette from a method that works on colour alone would make the
+    // selection's transparent pixels opaque: a chosen method is refused with
+    // a message, a menu item's saved one gives way to Tw. False to refuse.
+    bool KeepAlpha(bool methodChosen);
     // Makes the command's palette from `images` with the chosen method
     // (Exact first when asked and few enough colours); false when the
     // quantizer made nothing or the user cancelled.

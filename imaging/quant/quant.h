@@ -111,6 +111,9 @@ int32_t quant_current();
 int32_t quant_find(const char* name);
 // The short name of quantizer `index` ("Wu", "Lloyd"), "" outside the table.
 const char* quant_name(int32_t index);
+// Whether quantizer `index` keeps alpha in its palette ("Tw", "4D Wu",
+// "Exact"); the others work on colour alone and make every entry opaque.
+bool quant_keeps_alpha(int32_t index);
 
 // ---- Calls on the current quantizer -------------------------------------
 

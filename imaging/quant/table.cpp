@@ -118,6 +118,12 @@ const char* quant_name(int32_t index) {
     return names[index];
 }
 
+bool quant_keeps_alpha(int32_t index) {
+    const char* name = quant_name(index);
+    return quant::sameName(name, "Tw") || quant::sameName(name, "4D Wu") ||
+           quant::sameName(name, "Exact");
+}
+
 int32_t quant_find(const char* name) {
     for (int32_t i = 0; name && i < kQuantCount; ++i)
         if (quant::sameName(quant_name(i), name)) return quant_select(i);

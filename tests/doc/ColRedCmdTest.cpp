@@ -364,6 +364,35 @@ TEST_F(ColRedTest, RefusalsAndCancelChangeNothing) {
     }
 }
 
+// Colour-only methods make every palette entry opaque: a sprite with
+// transparent pixels keeps them through a menu item and is refused by a
+// wizard run that names such a method.
+TEST_F(ColRedTest, TransparentPixelsAreNeverMadeOpaque) {
+    add("ghost", 8, 4, [](int x, int) { return x < 4 ? 0x00000000u : 0xFF3060C0u; });
+    selectAll();
+    model.profile.WriteInt("CColRedCmd", "m_Method", quant_find("Wu"));
+    doc.OnCmdMsg(Indexed8);
+    ASSERT_NE(current(), nullptr);
+    EXPECT_EQ(current()->GetUsedMethod(), quant_find("Tw"));
+    EXPECT_EQ(doc.GetImageAt(0)->GetInfo()->bufferbpp, 8);
+    EXPECT_EQ(doc.GetImageAt(0)->GetPixelValue(0, 0) >> 24, 0u);
+    EXPECT_EQ(doc.GetImageAt(0)->GetPixelValue(7, 0), 0xFF3060C0u);
+
+    doc.OnCmdMsg(ID_EDIT_UNDO);
+    const DocSnapshot before = snapshot(doc);
+    model.ui.messages.clear();
+    const int wu = quant_find("Wu");
+    wizard([wu](CColRedWizData& w) {
+        w.m_Type = 0;
+        w.m_Method = wu - 1;
+        w.m_Operation = 1;
+    });
+    EXPECT_EQ(snapshot(doc).contents, before.contents);
+    ASSERT_EQ(model.ui.messages.size(), 1u);
+    EXPECT_NE(model.ui.messages[0].text.find("'ghost' has transparent pixels"), std::string::npos)
+        << model.ui.messages[0].text;
+}
+
 TEST_F(ColRedTest, CancelWhileBuildingASharedPaletteChangesNothing) {
     gradient("a");
     gradient("b");
