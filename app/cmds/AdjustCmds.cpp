@@ -18,10 +18,12 @@ Data& lastValues() {
     return data;
 }
 
-// Shows `Data`'s dialog starting with the last values; on OK keeps them.
+// Shows `Data`'s dialog starting with the last values, with a preview of
+// the focused image; on OK keeps them.
 template <typename Data>
-bool askValues(Data& out) {
+bool askValues(Data& out, CTavixDoc* doc, CDialogData::PreviewFn preview) {
     Data dialog = lastValues<Data>();
+    OfferPreview(dialog, doc, std::move(preview));
     if (!ZyUi().EditDialog(dialog)) return false;
     lastValues<Data>() = dialog;
     out = dialog;
@@ -33,6 +35,17 @@ uint32_t colourFor(const CTavixImage& image, uint32_t index, uint32_t argb) {
 }
 
 constexpr int kForegroundNumber = 0;
+
+uint32_t currentColourFor(const CTavixImage& image, int number) {
+    const CCurrentColour colour = ZyUi().GetCurrentColour(number);
+    return colourFor(image, static_cast<uint32_t>(colour.m_Index & 0xFF), colour.m_Argb);
+}
+
+CDialogData::PreviewFn amountPreview(const char* module) {
+    return ModulePreview<CAmountDlgData>(module, [](const CAmountDlgData& d, const CTavixImage&) {
+        return std::vector<ModuleValue>{ModuleValue::ofReal(d.m_Amount)};
+    });
+}
 
 } // namespace
 
@@ -56,6 +69,7 @@ CBlurCmd::CBlurCmd() {
 bool CBlurCmd::Init(CTavixDoc* doc) {
     CAmountDlgData dialog("CBlurDlg", 0.1, 4.0);
     dialog.m_Amount = 1.5;
+    OfferPreview(dialog, doc, amountPreview("blur"));
     if (!ZyUi().EditDialog(dialog)) return false;
     return CAmountCmd::Init(doc, dialog.m_Amount);
 }
@@ -68,6 +82,7 @@ CSharpenCmd::CSharpenCmd() {
 bool CSharpenCmd::Init(CTavixDoc* doc) {
     CAmountDlgData dialog("CSharpenDlg", 0.1, 256.0);
     dialog.m_Amount = 8.0;
+    OfferPreview(dialog, doc, amountPreview("sharpen"));
     if (!ZyUi().EditDialog(dialog)) return false;
     return CAmountCmd::Init(doc, dialog.m_Amount);
 }
@@ -85,7 +100,9 @@ CCBCmd::CCBCmd() {
 }
 
 bool CCBCmd::Init(CTavixDoc* doc) {
-    return askValues(m_Values) && CUndoableCmd::Init(doc);
+    auto preview = ModulePreview<CCBDlgData>(
+        "contrast", [](const CCBDlgData& d, const CTavixImage&) { return Values(d); });
+    return askValues(m_Values, doc, preview) && CUndoableCmd::Init(doc);
 }
 
 std::vector<ModuleValue> CCBCmd::Values(const CCBDlgData& data) {
@@ -111,7 +128,9 @@ CHSCmd::CHSCmd() {
 }
 
 bool CHSCmd::Init(CTavixDoc* doc) {
-    return askValues(m_Values) && CUndoableCmd::Init(doc);
+    auto preview = ModulePreview<CHSDlgData>(
+        "hsl", [](const CHSDlgData& d, const CTavixImage&) { return Values(d); });
+    return askValues(m_Values, doc, preview) && CUndoableCmd::Init(doc);
 }
 
 std::vector<ModuleValue> CHSCmd::Values(const CHSDlgData& data) {
@@ -167,7 +186,9 @@ CGreyScaleCmd::CGreyScaleCmd() {
 }
 
 bool CGreyScaleCmd::Init(CTavixDoc* doc) {
-    return askValues(m_Values) && CUndoableCmd::Init(doc);
+    auto preview = ModulePreview<CGreyScaleDlgData>(
+        "grey", [](const CGreyScaleDlgData& d, const CTavixImage&) { return Values(d); });
+    return askValues(m_Values, doc, preview) && CUndoableCmd::Init(doc);
 }
 
 std::vector<ModuleValue> CGreyScaleCmd::Values(const CGreyScaleDlgData& data) {
@@ -215,7 +236,11 @@ CCreepCmd::CCreepCmd() {
 }
 
 bool CCreepCmd::Init(CTavixDoc* doc) {
-    if (!askValues(m_Values)) return false;
+    auto preview = ModulePreview<CCreepDlgData>(
+        "creep", [](const CCreepDlgData& d, const CTavixImage& image) {
+            return Values(d, currentColourFor(image, kForegroundNumber));
+        });
+    if (!askValues(m_Values, doc, preview)) return false;
     const CCurrentColour colour = ZyUi().GetCurrentColour(kForegroundNumber);
     m_Index = static_cast<uint32_t>(colour.m_Index & 0xFF);
     m_Argb = colour.m_Argb;
@@ -243,7 +268,11 @@ CCleanEdgeCmd::CCleanEdgeCmd() {
 }
 
 bool CCleanEdgeCmd::Init(CTavixDoc* doc) {
-    if (!askValues(m_Values)) return false;
+    auto preview = ModulePreview<CCleanEdgeDlgData>(
+        "edge", [](const CCleanEdgeDlgData& d, const CTavixImage& image) {
+            return Values(d, currentColourFor(image, CCurrentColours::kFillNumber));
+        });
+    if (!askValues(m_Values, doc, preview)) return false;
     const CFillColours back = CFillColours::Current();
     m_Index = back.m_Index;
     m_Argb = back.m_Argb;

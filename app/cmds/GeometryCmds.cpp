@@ -125,6 +125,11 @@ CDeInterlaceCmd::CDeInterlaceCmd() {
 bool CDeInterlaceCmd::Init(CTavixDoc* doc) {
     CDeInterlaceDlgData dialog;
     dialog.m_Field = m_Field;
+    OfferPreview(dialog, doc,
+                 ModulePreview<CDeInterlaceDlgData>(
+                     "deinterlace", [](const CDeInterlaceDlgData& d, const CTavixImage&) {
+                         return std::vector<ModuleValue>{ModuleValue::ofInt(d.m_Field)};
+                     }));
     if (!ZyUi().EditDialog(dialog)) return false;
     m_Field = dialog.m_Field;
     return CUndoableCmd::Init(doc);
@@ -158,6 +163,16 @@ bool CRotateArbitraryCmd::Init(CTavixDoc* doc) {
     dialog.m_Angle = strtod(m_AngleString.c_str(), nullptr);
     dialog.m_ClockWise = m_ClockWise != 0;
     dialog.m_Interplolate = m_Interplolate != 0;
+    OfferPreview(dialog, doc,
+                 ModulePreview<CRotateArbitraryDlgData>(
+                     "rotate", [](const CRotateArbitraryDlgData& d, const CTavixImage& image) {
+                         const double radians =
+                             (d.m_ClockWise ? -d.m_Angle : d.m_Angle) * kDegreeFactor;
+                         const CFillColours fill = CFillColours::Current();
+                         return std::vector<ModuleValue>{ModuleValue::ofReal(radians),
+                                                         ModuleValue::ofUint(fill.ForImage(image)),
+                                                         ModuleValue::ofInt(d.m_Interplolate)};
+                     }));
     if (!ZyUi().EditDialog(dialog)) return false;
     char text[64];
     snprintf(text, sizeof text, "%f", dialog.m_Angle);

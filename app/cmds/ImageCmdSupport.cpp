@@ -40,3 +40,8 @@ CFillColours CFillColours::Current() {
 uint32_t CFillColours::ForImage(const CTavixImage& image) const {
     return image.GetInfo()->bufferbpp <= 8 ? m_Index : m_Argb;
 }
+
+void OfferPreview(CDialogData& data, const CTavixDoc* doc, CDialogData::PreviewFn preview) {
+    data.m_PreviewSource = doc ? doc->GetFocusImage() : nullptr;
+    data.m_Preview = data.m_PreviewSource ? std::move(preview) : nullptr;
+}

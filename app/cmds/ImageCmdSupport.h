@@ -4,7 +4,9 @@
 // transpose bits, and the fill colours.
 
 #include "app/doc/Command.h"
+#include "app/doc/TavixImage.h"
 #include "app/doc/UserInterface.h"
+#include "imaging/module/module.h"
 
 #include <cstdint>
 #include <functional>
@@ -53,4 +55,17 @@ std::vector<std::string> KeysOf(std::vector<std::string> extra = {}) {
     for (const std::string& key : CCommandInfo::DialogKeys(data))
         extra.push_back(key);
     return extra;
+}
+
+// Offers the dialog a live preview on the document's focused image (none
+// when nothing is focused).
+void OfferPreview(CDialogData& data, const CTavixDoc* doc, CDialogData::PreviewFn preview);
+
+// The preview of a module that takes `values` made from the dialog data.
+template <typename Data, typename ValuesFn>
+CDialogData::PreviewFn ModulePreview(const char* module, ValuesFn values) {
+    return [module, values](const CDialogData& data, const CTavixImage& image) {
+        const std::vector<ModuleValue> moduleValues = values(static_cast<const Data&>(data), image);
+        return image.RunModule(module_find(module), moduleValues.data(), static_cast<int>(moduleValues.size()));
+    };
 }

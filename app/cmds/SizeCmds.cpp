@@ -104,6 +104,9 @@ bool CImageSizeCmd::Init(CTavixDoc* doc) {
     const CTavixImage* focus = doc->GetFocusImage();
     dialog.m_CurrentWidth = focus ? focus->GetInfo()->width : 0;
     dialog.m_CurrentHeight = focus ? focus->GetInfo()->height : 0;
+    OfferPreview(dialog, doc, [](const CDialogData& data, const CTavixImage& image) {
+        return Resize(static_cast<const CImageSizeDlgData&>(data), image);
+    });
     if (!ZyUi().EditDialog(dialog)) return false;
     runSettings() = dialog;
     m_Settings = dialog;
@@ -147,23 +150,28 @@ void CImageSizeCmd::NewSize(const CImageSizeDlgData& s, int width, int height, i
 }
 
 std::unique_ptr<CTavixImage> CImageSizeCmd::FilterImage(CTavixImage* image) {
+    return Resize(m_Settings, *image);
+}
+
+std::unique_ptr<CTavixImage> CImageSizeCmd::Resize(const CImageSizeDlgData& settings,
+                                                   const CTavixImage& image) {
     int w = 0, h = 0;
-    NewSize(m_Settings, image->GetInfo()->width, image->GetInfo()->height, w, h);
-    if (m_Settings.IsFilterChosen() && image->GetInfo()->bufferbpp > 8) {
-        const double sharpness = m_Settings.m_Sharpness / 100.0;
+    NewSize(settings, image.GetInfo()->width, image.GetInfo()->height, w, h);
+    if (settings.IsFilterChosen() && image.GetInfo()->bufferbpp > 8) {
+        const double sharpness = settings.m_Sharpness / 100.0;
         // The key colour slot sits between the alpha switch and the two
         // sharpness values; 0 lets the resampler find the key itself.
         const ModuleValue values[] = {ModuleValue::ofInt(w),
                                       ModuleValue::ofInt(h),
-                                      ModuleValue::ofInt(m_Settings.m_Filter - 1),
-                                      ModuleValue::ofInt(m_Settings.m_Transparency ? 0 : 1),
+                                      ModuleValue::ofInt(settings.m_Filter - 1),
+                                      ModuleValue::ofInt(settings.m_Transparency ? 0 : 1),
                                       ModuleValue::ofUint(0),
                                       ModuleValue::ofReal(sharpness),
                                       ModuleValue::ofReal(sharpness)};
-        return image->RunModule(module_find("size"), values, 7);
+        return image.RunModule(module_find("size"), values, 7);
     }
     const ModuleValue values[] = {ModuleValue::ofInt(w), ModuleValue::ofInt(h)};
-    return image->RunModule(module_find("scale"), values, 2);
+    return image.RunModule(module_find("scale"), values, 2);
 }
 
 // ---- Canvas ----------------------------------------------------------------

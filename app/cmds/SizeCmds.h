@@ -64,6 +64,10 @@ class CImageSizeCmd : public CUndoableCmd {
 
     // The size an image of `width` x `height` gets with `settings`.
     static void NewSize(const CImageSizeDlgData& settings, int width, int height, int& w, int& h);
+    // `image` resized with `settings` ("size" for deep images when a filter
+    // is chosen, "scale" otherwise); the dialog's preview uses it too.
+    static std::unique_ptr<CTavixImage> Resize(const CImageSizeDlgData& settings,
+                                               const CTavixImage& image);
 
   private:
     CImageSizeDlgData m_Settings;

@@ -14,6 +14,8 @@ class CTavixImage;
 class QLabel;
 
 class CPreviewPane : public QWidget {
+    Q_OBJECT
+
   public:
     // Makes the filtered image of the source, or null when the values do
     // not give one (the pane then says so).

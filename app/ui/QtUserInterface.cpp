@@ -5,6 +5,7 @@
 #include "app/ui/ExceptionDlg.h"
 #include "app/ui/ExchangeDlg.h"
 #include "app/ui/LayoutDlg.h"
+#include "app/ui/ImageCmdDlgs.h"
 #include "app/ui/FieldFormDlg.h"
 #include "app/ui/MainFrame.h"
 #include "app/ui/OutputWindow.h"
@@ -83,6 +84,7 @@ CQtUserInterface::CQtUserInterface() {
     g_qtUi = this;
     RegisterExchangeDialogs();
     RegisterLayoutDialogs();
+    RegisterImageCmdDialogs();
 }
 
 CQtUserInterface::~CQtUserInterface() {
