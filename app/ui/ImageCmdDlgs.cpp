@@ -69,10 +69,14 @@ CImageSizeDlg::CImageSizeDlg(CImageSizeDlgData& data, QWidget* parent)
     m_HeightUnit = listOf("Pixels,Percent");
     for (QDoubleSpinBox* box : {m_Width, m_Height})
         box->setDecimals(2);
-    grid->addWidget(new QLabel("&Width:"), 1, 0);
+    auto* widthLabel = new QLabel("&Width:");
+    widthLabel->setBuddy(m_Width);
+    auto* heightLabel = new QLabel("&Height:");
+    heightLabel->setBuddy(m_Height);
+    grid->addWidget(widthLabel, 1, 0);
     grid->addWidget(m_Width, 1, 1);
     grid->addWidget(m_WidthUnit, 1, 2);
-    grid->addWidget(new QLabel("&Height:"), 2, 0);
+    grid->addWidget(heightLabel, 2, 0);
     grid->addWidget(m_Height, 2, 1);
     grid->addWidget(m_HeightUnit, 2, 2);
     column->addWidget(size);
