@@ -59,6 +59,11 @@ bool CConsoleUi::FillField(const char* section, const CDialogField& field) {
 bool CConsoleUi::EditDialog(CDialogData& data) {
     for (const CDialogField& field : data.GetFields())
         if (!FillField(data.GetDialogName(), field)) return false;
+    const std::string refusal = data.Validate();
+    if (!refusal.empty()) {
+        fprintf(m_Out, "%s: %s\n", data.GetDialogName(), refusal.c_str());
+        return false;
+    }
     return true;
 }
 

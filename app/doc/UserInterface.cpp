@@ -2,6 +2,7 @@
 
 #include "app/doc/ConsoleUi.h"
 #include "app/doc/CrashReport.h"
+#include "app/doc/CurrentColours.h"
 #include "app/doc/Profile.h"
 #include "app/doc/TavixImage.h"
 
@@ -26,8 +27,9 @@ void CUserInterface::ReportCrash(const std::string& line) {
     ReportCrashLine(ZyProfile(), line);
 }
 
-CCurrentColour CUserInterface::GetCurrentColour(int) const {
-    return {};
+CCurrentColour CUserInterface::GetCurrentColour(int number) const {
+    const CCurrentColours pair = CCurrentColours::Read(ZyProfile());
+    return number == CCurrentColours::kFillNumber ? pair.m_Background : pair.m_Foreground;
 }
 
 void CUserInterface::OfferClipboardImages(const std::vector<const CTavixImage*>&) {}

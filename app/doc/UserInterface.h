@@ -12,6 +12,7 @@
 // (ZyUi(), ZyProfile()), as the framework's application object would.
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -49,6 +50,18 @@ class CDialogData {
     virtual const char* GetDialogName() const = 0;
     // The editable fields, in the order a form shows them; none by default.
     virtual std::vector<CDialogField> GetFields() { return {}; }
+    // Why the values cannot be used, or empty when they can. A front end
+    // shows the text and keeps the dialog open (a console one gives up).
+    virtual std::string Validate() const { return {}; }
+
+    // A live preview for dialogs that change pixels: the image the values
+    // are tried on (the document's focused one) and how to make the result
+    // from the dialog's current values. The front end shows it beside the
+    // fields; it works on copies and never touches the document.
+    using PreviewFn =
+        std::function<std::unique_ptr<CTavixImage>(const CDialogData&, const CTavixImage&)>;
+    const CTavixImage* m_PreviewSource = nullptr;
+    PreviewFn m_Preview;
 };
 
 // The codec file dialog (open or save) over the codec's file types.
@@ -122,6 +135,10 @@ class CUserInterface {
     virtual void ReportCrash(const std::string& line);
 
     // The application's current colour `number` (the colour editor's wells).
+    // Until the colour editor keeps its wells, the base answers from the
+    // foreground and background pair in the settings store (CurrentColours.h):
+    // number 4, the fill colour, is the background, every other number the
+    // foreground.
     virtual CCurrentColour GetCurrentColour(int number) const;
 
     // The palette entries selected in the palette well, ascending.

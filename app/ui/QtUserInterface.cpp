@@ -6,6 +6,7 @@
 #include "app/ui/ExceptionDlg.h"
 #include "app/ui/ExchangeDlg.h"
 #include "app/ui/LayoutDlg.h"
+#include "app/ui/ImageCmdDlgs.h"
 #include "app/ui/FieldFormDlg.h"
 #include "app/ui/MainFrame.h"
 #include "app/ui/OutputWindow.h"
@@ -85,6 +86,7 @@ CQtUserInterface::CQtUserInterface() {
     RegisterExchangeDialogs();
     RegisterLayoutDialogs();
     RegisterColRedDialogs();
+    RegisterImageCmdDialogs();
 }
 
 CQtUserInterface::~CQtUserInterface() {

@@ -69,7 +69,13 @@ MsgAnswer ScriptedUi::MessageBox(const std::string& text, MsgButtons buttons, Ms
 bool ScriptedUi::EditDialog(CDialogData& data) {
     dialogsShown.push_back(data.GetDialogName());
     auto it = dialogs.find(data.GetDialogName());
-    return it == dialogs.end() ? true : it->second(data);
+    if (it != dialogs.end() && !it->second(data)) return false;
+    // A refused entry is shown as the window would show it; the script
+    // cannot type anything else, so the dialog is then cancelled.
+    const std::string refusal = data.Validate();
+    if (refusal.empty()) return true;
+    MessageBox(refusal, MsgButtons::OK, MsgIcon::Warning, "Zy");
+    return false;
 }
 
 std::unique_ptr<CProgressWindow> ScriptedUi::CreateProgressWindow(CProgressDlg& dlg) {

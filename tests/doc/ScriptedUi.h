@@ -27,7 +27,8 @@ class ScriptedUi : public CUserInterface {
     // box gets OK (or Yes for Yes/No boxes).
     std::deque<MsgAnswer> answers;
     // Dialog handlers by dialog name; a dialog without one is confirmed
-    // unchanged.
+    // unchanged. Values the dialog refuses (CDialogData::Validate) are shown
+    // as a message and the dialog is cancelled.
     std::map<std::string, std::function<bool(CDialogData&)>> dialogs;
     // Press Cancel when a progress window shows this status.
     std::string cancelAtStatus;
