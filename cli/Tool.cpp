@@ -83,8 +83,8 @@ int outputDriver(const std::string& path, const std::string& format) {
     throw ToolError("no driver writes ." + extension + " files: name one with --format");
 }
 
-TavixReadResult readFileOrThrow(const std::string& path, bool partial) {
-    TavixReadResult result = TavixReadFile(path);
+TavixReadResult readFileOrThrow(const std::string& path, bool partial, bool pixels) {
+    TavixReadResult result = pixels ? TavixReadFile(path) : TavixReadInformation(path);
     if (result.ok) return result;
     if (!partial || result.driver < 0) throw ToolError(path + ": " + result.error);
     fprintf(stderr, "zytool: %s: %s", path.c_str(), result.error.c_str());

@@ -46,6 +46,9 @@ struct TavixReadResult {
 using TavixProgress = std::function<bool(int, int)>;
 
 TavixReadResult TavixReadFile(const std::string& path, const TavixProgress& progress = {});
+// The frames' records only, every `pixels` left empty: drivers that read
+// lazily answer from headers and directories without decoding any pixels.
+TavixReadResult TavixReadInformation(const std::string& path);
 
 // Writes every frame with the driver; false with `error` set on failure.
 // The file at `path` is created (with its folders) and written as it goes:
