@@ -45,6 +45,14 @@ class FrameWriter {
     // `tail` is whatever followed the fixed record in the caller's info.
     virtual void add(const TavixInfo& info, std::span<const uint8_t> tail, Picture&& picture) = 0;
     virtual void finish(Bytes& file) = 0;
+    // Writes the finished file to the host's stream. A writer that can
+    // produce its file in pieces overrides this so the whole file is never
+    // held in memory beside the images.
+    virtual void finishTo(intptr_t stream) {
+        Bytes file;
+        finish(file);
+        writeWhole(stream, file);
+    }
 };
 
 enum DetectScore { kNotMine = 0, kByName = 1, kByContent = 2 };

@@ -267,9 +267,7 @@ unsigned char TAVIX_wclose_4(TavixWriter handle) {
     return guarded<unsigned char>(0, [&]() -> unsigned char {
         if (state->written != state->expected)
             fail("%d of %d announced frames were written", state->written, state->expected);
-        Bytes file;
-        state->writer->finish(file);
-        writeWhole(state->stream, file);
+        state->writer->finishTo(state->stream);
         return 1;
     });
 }

@@ -490,8 +490,20 @@ class TgaWriter : public FrameWriter {
         m_has = true;
     }
 
+    // Rows go to the stream in blocks as they are made.
+    void finishTo(intptr_t stream) override {
+        Bytes file;
+        file.reserve(kBlockBytes + size_t(m_picture.width) * 4 * 2 + 1024);
+        m_sink = stream;
+        m_file = &file;
+        finish(file);
+        m_sink = 0;
+        writeWhole(stream, file);
+    }
+
     void finish(Bytes& file) override {
         if (!m_has) fail("no image was given to write");
+        m_file = &file;
         ByteWriter out(file);
         const Picture& p = m_picture;
         int entries = p.indexed ? paletteEntries(p) : 0;
@@ -549,6 +561,8 @@ class TgaWriter : public FrameWriter {
             size_t first = static_cast<size_t>(y) * width;
             if (p.indexed) {
                 memcpy(row.data(), &p.indices[first], width);
+            } else if (alpha && std::endian::native == std::endian::little) {
+                memcpy(row.data(), &p.argb[first], width * 4); // words are B, G, R, A in memory
             } else {
                 for (size_t x = 0; x < width; ++x) {
                     uint32_t c = p.argb[first + x];
@@ -563,10 +577,16 @@ class TgaWriter : public FrameWriter {
                 packRow(out, row.data(), width, bytes);
             else
                 out.bytes(row.data(), row.size());
+            if (m_sink && m_file->size() >= kBlockBytes) {
+                writeWhole(m_sink, *m_file);
+                m_file->clear();
+            }
         }
     }
 
     Picture m_picture;
+    intptr_t m_sink = 0;     // the stream blocks go to, while finishTo runs
+    Bytes* m_file = nullptr; // the bytes finish() is making
     bool m_has = false;
     bool m_packed = false;
     bool m_keepAlpha = false;
