@@ -83,8 +83,8 @@ int outputDriver(const std::string& path, const std::string& format) {
     throw ToolError("no driver writes ." + extension + " files: name one with --format");
 }
 
-TavixReadResult readFileOrThrow(const std::string& path, bool partial) {
-    TavixReadResult result = TavixReadFile(path);
+TavixReadResult readFileOrThrow(const std::string& path, bool partial, bool pixels) {
+    TavixReadResult result = pixels ? TavixReadFile(path) : TavixReadInformation(path);
     if (result.ok) return result;
     // A listing of a file none of whose frames read would only be a header.
     if (!partial || result.driver < 0 || result.frames.empty()) throw ToolError(path + ": " + result.error);

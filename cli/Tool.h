@@ -38,8 +38,9 @@ std::string driverName(int driver);
 TavixAbout driverAbout(int driver);
 
 // Throws unless every frame read; with `partial` the frames that did read
-// are returned and the failures printed.
-TavixReadResult readFileOrThrow(const std::string& path, bool partial = false);
+// are returned and the failures printed; without `pixels` only the frames'
+// records are read (see TavixReadInformation).
+TavixReadResult readFileOrThrow(const std::string& path, bool partial = false, bool pixels = true);
 
 // The file name without folder and extension.
 std::string baseName(const std::string& path);

@@ -45,7 +45,8 @@ void printFrame(int index, const TavixInfo& info) {
 int runInfo(const Args& args) {
     if (args.positional.size() != 1) throw ToolError("usage: zytool info FILE");
     bindCodecLibrary();
-    TavixReadResult file = readFileOrThrow(args.positional[0], true);
+    // Headers and directories only: listing a file never decodes its pixels.
+    TavixReadResult file = readFileOrThrow(args.positional[0], true, false);
     TavixAbout about = driverAbout(file.driver);
     printf("%s: %.32s (%.16s), %zu frame%s\n", args.positional[0].c_str(), about.description,
            about.shortname, file.frames.size(), file.frames.size() == 1 ? "" : "s");

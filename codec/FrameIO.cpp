@@ -58,13 +58,18 @@ void noteFailure(std::string& error, int index, const char* what) {
     error += "frame " + std::to_string(index) + ": " + what;
 }
 
-bool readOneFrame(TavixReader reader, int index, TavixFrame& frame, std::string& error) {
+bool readOneFrame(TavixReader reader, int index, TavixFrame& frame, std::string& error,
+                  bool pixels) {
     TavixInfoPtr info(TavixFrameInfo(reader, index));
     if (!info) {
         noteFailure(error, index, "no information record");
         return false;
     }
     if (info->width <= 0 || info->height <= 0) return false; // skipped silently
+    if (!pixels) {
+        frame.info = std::move(info);
+        return true;
+    }
     frame.pitch = TavixRowPitch(info->width, info->bufferbpp);
     frame.pixels.assign(static_cast<size_t>(frame.pitch) * static_cast<size_t>(info->height), 0);
     if (!TavixRead(reader, info.get(), frame.pixels.data(), frame.pitch)) {
@@ -85,7 +90,9 @@ std::string TavixFileProblem(const std::string& path) {
     return {};
 }
 
-TavixReadResult TavixReadFile(const std::string& path, const TavixProgress& progress) {
+namespace {
+
+TavixReadResult readFile(const std::string& path, const TavixProgress& progress, bool pixels) {
     TavixReadResult result;
     if (std::string problem = TavixFileProblem(path); !problem.empty()) {
         result.error = "cannot open '" + path + "': " + problem;
@@ -113,11 +120,20 @@ TavixReadResult TavixReadFile(const std::string& path, const TavixProgress& prog
             return result;
         }
         TavixFrame frame;
-        if (readOneFrame(session.reader, i, frame, result.error)) result.frames.push_back(std::move(frame));
+        if (readOneFrame(session.reader, i, frame, result.error, pixels))
+            result.frames.push_back(std::move(frame));
     }
     result.ok = result.error.empty();
     return result;
 }
+
+} // namespace
+
+TavixReadResult TavixReadFile(const std::string& path, const TavixProgress& progress) {
+    return readFile(path, progress, true);
+}
+
+TavixReadResult TavixReadInformation(const std::string& path) { return readFile(path, {}, false); }
 
 bool TavixWriteFile(const std::string& path, int driver, const std::vector<const TavixFrame*>& frames,
                     std::string& error, const TavixProgress& progress) {

@@ -53,6 +53,9 @@ std::string TavixFileProblem(const std::string& path);
 // `error` names the file and the reason, one or more lines without a final
 // newline.
 TavixReadResult TavixReadFile(const std::string& path, const TavixProgress& progress = {});
+// The frames' records only, every `pixels` left empty: drivers that read
+// lazily answer from headers and directories without decoding any pixels.
+TavixReadResult TavixReadInformation(const std::string& path);
 
 // Writes every frame with the driver; false with `error` set on failure.
 // The file at `path` is created (with its folders) and written as it goes:

@@ -1,12 +1,15 @@
 #pragma once
 // The shape of a driver. A driver is one file (or folder) under drivers/
 // that defines one `Driver` record: its description, a detector, and
-// factories for a reader and a writer. Readers and writers work on whole
-// files in memory; the entry points do the stream I/O around them.
+// factories for a reader and a writer. Most readers and writers work on
+// whole files in memory and the entry points do the stream I/O around them;
+// a driver whose files can be large reads through a `Source` instead, taking
+// headers when opened and pixel blocks only when a frame is decoded.
 
 #include "tavix/core/Host.h"
 #include "tavix/core/Picture.h"
 #include "tavix/core/Errors.h"
+#include "tavix/core/Stream.h"
 #include "tavix/records.h"
 
 #include <cstdint>
@@ -24,6 +27,16 @@ class FrameReader {
     // to `tail`; it comes back to the driver's writer unchanged.
     virtual void describe(int frame, TavixInfo& info, Bytes& tail) = 0;
     virtual void decode(int frame, Picture& out) = 0;
+    // Decodes straight into the caller's rows (`pitch` bytes apart; 32-bit
+    // ARGB words when info.bufferbpp is above 8, else one index a byte with
+    // the palette put in info.colours) and returns true; or returns false
+    // without touching anything when this frame cannot be delivered that way
+    // (another size or kind than the frame's), and decode() serves instead.
+    // Saves holding the frame twice.
+    virtual bool decodeInto(int /*frame*/, TavixInfo& /*info*/, uint8_t* /*pixels*/,
+                            ptrdiff_t /*pitch*/) {
+        return false;
+    }
 };
 
 class FrameWriter {
@@ -32,6 +45,14 @@ class FrameWriter {
     // `tail` is whatever followed the fixed record in the caller's info.
     virtual void add(const TavixInfo& info, std::span<const uint8_t> tail, Picture&& picture) = 0;
     virtual void finish(Bytes& file) = 0;
+    // Writes the finished file to the host's stream. A writer that can
+    // produce its file in pieces overrides this so the whole file is never
+    // held in memory beside the images.
+    virtual void finishTo(intptr_t stream) {
+        Bytes file;
+        finish(file);
+        writeWhole(stream, file);
+    }
 };
 
 enum DetectScore { kNotMine = 0, kByName = 1, kByContent = 2 };
@@ -44,6 +65,9 @@ struct Driver {
     HostPtr<FrameReader> (*open)(Bytes&& file);
     // Null (after a report) when the driver cannot write `frames` frames.
     HostPtr<FrameWriter> (*create)(int frames);
+    // Optional: a reader that pulls what it needs from `source`, which it
+    // keeps. Null when the driver reads whole files only.
+    HostPtr<FrameReader> (*openSource)(HostPtr<Source>&& source) = nullptr;
 };
 
 constexpr size_t kDetectBytes = 65536;

@@ -66,9 +66,17 @@ void deliver(const Picture& picture, TavixInfo& info, uint8_t* pixels, int32_t p
         memcpy(info.colours, picture.palette, sizeof info.colours);
         return;
     }
+    if (!picture.indexed) {
+        for (int y = 0; y < picture.height; ++y)
+            memcpy(pixels + static_cast<ptrdiff_t>(y) * pitch, &picture.argb[y * width], width * 4);
+        return;
+    }
+    uint32_t colours[256];
+    for (int i = 0; i < 256; ++i) colours[i] = picture.paletteArgb(i);
     for (int y = 0; y < picture.height; ++y) {
         auto* row = reinterpret_cast<uint32_t*>(pixels + static_cast<ptrdiff_t>(y) * pitch);
-        for (size_t x = 0; x < width; ++x) row[x] = picture.argbAt(y * width + x);
+        const uint8_t* from = &picture.indices[y * width];
+        for (size_t x = 0; x < width; ++x) row[x] = colours[from[x]];
     }
 }
 
@@ -116,7 +124,9 @@ int openReader(TavixReader* handle, intptr_t stream, const char* path) {
         if (!handle || !driver || !stream) return 0;
         auto state = makeHost<ReaderState>();
         state->driver = g_current;
-        state->reader = driver->open(readWhole(stream));
+        // Drivers that read through a source take only headers here.
+        state->reader = driver->openSource ? driver->openSource(streamSource(stream))
+                                           : driver->open(readWhole(stream));
         int frames = state->reader ? state->reader->frameCount() : 0;
         if (frames <= 0) {
             if (state->reader) report("tavix: %s holds no images\n", path ? path : "the file");
@@ -206,6 +216,8 @@ unsigned char TAVIX_read_16(TavixReader handle, TavixInfo* info, void* pixels, i
             fail("there is no frame %d", info->frame);
         if (pitch < static_cast<int64_t>(info->width) * (info->bufferbpp <= 8 ? 1 : 4))
             fail("row pitch %d is too small for frame %d", pitch, info->frame);
+        if (state->reader->decodeInto(info->frame, *info, static_cast<uint8_t*>(pixels), pitch))
+            return 1;
         Picture picture;
         state->reader->decode(info->frame, picture);
         deliver(picture, *info, static_cast<uint8_t*>(pixels), pitch);
@@ -256,9 +268,7 @@ unsigned char TAVIX_wclose_4(TavixWriter handle) {
     return guarded<unsigned char>(0, [&]() -> unsigned char {
         if (state->written != state->expected)
             fail("%d of %d announced frames were written", state->written, state->expected);
-        Bytes file;
-        state->writer->finish(file);
-        writeWhole(state->stream, file);
+        state->writer->finishTo(state->stream);
         return 1;
     });
 }

@@ -24,6 +24,9 @@
 #include <png.h>
 
 #include <algorithm>
+#include <bit>
+#include <climits>
+#include <cstdint>
 #include <cstring>
 
 namespace tavix {
@@ -67,9 +70,12 @@ void onWarning(png_structp, png_const_charp) {}
 // --- reading ---------------------------------------------------------------
 
 struct PngReadJob {
-    const uint8_t* data = nullptr;
-    size_t size = 0;
-    size_t pos = 0;
+    // The file, read in blocks through `block` as libpng asks for it.
+    Source* source = nullptr;
+    uint64_t pos = 0;
+    Bytes block;
+    uint64_t blockStart = 0;
+    size_t blockSize = 0;
     PngContext message;
     // From the header.
     png_uint_32 width = 0, height = 0;
@@ -81,16 +87,44 @@ struct PngReadJob {
     bool colourKey = false; // tRNS names one transparent grey or RGB value
     // Asked for once the header is known: row pointers for the decoded
     // rows (width bytes for palette images, else 4 bytes B, G, R, A per
-    // pixel), or null with `message` set.
+    // pixel), or null with `message` set. No function: the header is all
+    // that is wanted.
     png_bytep* (*prepare)(PngReadJob& job) = nullptr;
     void* owner = nullptr;
 };
 
-void readFromMemory(png_structp png, png_bytep to, size_t count) {
+constexpr size_t kReadBlock = 256 << 10;
+
+// Serves libpng's small reads from a block of the file; false at the end
+// of the file or on a failed read.
+bool takeFromSource(PngReadJob& job, uint8_t* to, size_t count) noexcept {
+    try {
+        while (count) {
+            if (job.pos < job.blockStart || job.pos >= job.blockStart + job.blockSize) {
+                uint64_t size = job.source->size();
+                if (job.pos >= size) return false;
+                if (job.block.size() < kReadBlock) job.block.resize(kReadBlock);
+                job.blockStart = job.pos;
+                job.blockSize = static_cast<size_t>(std::min<uint64_t>(kReadBlock, size - job.pos));
+                job.source->read(job.pos, job.block.data(), job.blockSize);
+            }
+            size_t at = static_cast<size_t>(job.pos - job.blockStart);
+            size_t n = std::min(count, job.blockSize - at);
+            memcpy(to, job.block.data() + at, n);
+            to += n;
+            count -= n;
+            job.pos += n;
+        }
+        return true;
+    } catch (...) {
+        job.blockSize = 0;
+        return false;
+    }
+}
+
+void readFromSource(png_structp png, png_bytep to, size_t count) {
     auto* job = static_cast<PngReadJob*>(png_get_io_ptr(png));
-    if (count > job->size - job->pos) png_error(png, "the file ends early");
-    memcpy(to, job->data + job->pos, count);
-    job->pos += count;
+    if (!takeFromSource(*job, to, count)) png_error(png, "the file ends early");
 }
 
 void keepHeader(png_structp png, png_infop info, PngReadJob& job) {
@@ -148,12 +182,16 @@ bool runRead(PngReadJob& job) {
         png_destroy_read_struct(&png, &info, nullptr);
         return false;
     }
-    png_set_read_fn(png, &job, readFromMemory);
+    png_set_read_fn(png, &job, readFromSource);
     png_set_user_limits(png, kMaxSide, kMaxSide);
     png_set_chunk_cache_max(png, 64);
     png_set_chunk_malloc_max(png, 1 << 22);
     png_read_info(png, info);
     keepHeader(png, info, job);
+    if (!job.prepare) {
+        png_destroy_read_struct(&png, &info, nullptr);
+        return true;
+    }
     chooseTransforms(png, job);
     png_read_update_info(png, info);
     size_t expected = size_t{job.width} * (job.colourType == PNG_COLOR_TYPE_PALETTE ? 1 : 4);
@@ -166,19 +204,21 @@ bool runRead(PngReadJob& job) {
     return true;
 }
 
+// Opening reads the chunks up to the image data, no further; the pixels
+// are inflated when the frame is decoded, straight into the caller's rows.
 class PngReader : public FrameReader {
   public:
-    explicit PngReader(Bytes&& file) : m_fileSize(file.size()) {
-        if (file.size() < 8 || memcmp(file.data(), kSignature, 8) != 0) fail("not a PNG file");
-        m_job.data = file.data();
-        m_job.size = file.size();
-        m_job.message.allocationLimit = allocationLimit(file);
-        m_job.prepare = prepareRows;
-        m_job.owner = this;
-        bool ok = runRead(m_job);
-        m_rows.clear();
-        if (!ok) fail("cannot read the PNG file: %s", m_job.message.text);
-        finishPicture();
+    explicit PngReader(HostPtr<Source>&& source) : m_source(std::move(source)) {
+        m_fileSize = m_source->size();
+        uint8_t head[33] = {};
+        size_t got = static_cast<size_t>(std::min<uint64_t>(m_fileSize, sizeof head));
+        m_source->read(0, head, got);
+        if (got < 8 || memcmp(head, kSignature, 8) != 0) fail("not a PNG file");
+        m_limit = allocationLimit(head, got);
+        run(nullptr);
+        if (m_job.colourType == PNG_COLOR_TYPE_PALETTE && m_job.paletteSize == 0)
+            fail("the PNG palette image has no palette");
+        checkedPixelCount(m_job.width, m_job.height);
     }
 
     int frameCount() const override { return 1; }
@@ -188,15 +228,15 @@ class PngReader : public FrameReader {
         bool palette = j.colourType == PNG_COLOR_TYPE_PALETTE;
         int channels = palette ? 1 : channelsOf(j.colourType);
         info.formatid = kPngId;
-        info.width = m_picture.width;
-        info.height = m_picture.height;
+        info.width = static_cast<int32_t>(j.width);
+        info.height = static_cast<int32_t>(j.height);
         info.bufferbpp = palette ? 8 : 32;
         info.bpp = j.bitDepth * channels;
-        info.numcolours = palette ? m_picture.numcolours : 0;
-        if (palette) memcpy(info.colours, m_picture.palette, sizeof info.colours);
+        info.numcolours = palette ? j.paletteSize : 0;
+        if (palette) paletteInto(info.colours);
         info.subtype = j.colourType;
         info.packed = 1; // image data is always deflated
-        info.framesize = static_cast<int32_t>(m_fileSize);
+        info.framesize = static_cast<int32_t>(std::min<uint64_t>(m_fileSize, INT32_MAX));
         int colourBits = palette ? 8 : j.bitDepth;
         info.redbits = info.greenbits = info.bluebits = colourBits;
         if (palette)
@@ -207,7 +247,29 @@ class PngReader : public FrameReader {
                                                                    : 0;
     }
 
-    void decode(int, Picture& out) override { out = m_picture; }
+    void decode(int, Picture& out) override {
+        bool palette = m_job.colourType == PNG_COLOR_TYPE_PALETTE;
+        auto w = static_cast<int32_t>(m_job.width), h = static_cast<int32_t>(m_job.height);
+        if (palette) {
+            out.makeIndexed(w, h);
+            paletteInto(out.palette);
+            out.numcolours = m_job.paletteSize;
+            decodeRows(out.indices.data(), w);
+        } else {
+            out.makeTrueColour(w, h);
+            decodeRows(reinterpret_cast<uint8_t*>(out.argb.data()), static_cast<ptrdiff_t>(w) * 4);
+        }
+    }
+
+    bool decodeInto(int, TavixInfo& info, uint8_t* pixels, ptrdiff_t pitch) override {
+        bool palette = m_job.colourType == PNG_COLOR_TYPE_PALETTE;
+        if (static_cast<uint32_t>(info.width) != m_job.width ||
+            static_cast<uint32_t>(info.height) != m_job.height || (info.bufferbpp <= 8) != palette)
+            return false;
+        decodeRows(pixels, pitch);
+        if (palette) paletteInto(info.colours);
+        return true;
+    }
 
   private:
     static int channelsOf(int colourType) {
@@ -223,13 +285,39 @@ class PngReader : public FrameReader {
         }
     }
 
+    void paletteInto(TavixColour* colours) const {
+        const PngReadJob& j = m_job;
+        Picture p;
+        for (int i = 0; i < j.paletteSize; ++i) {
+            uint32_t alpha = i < j.transSize ? j.trans[i] : 255;
+            p.setPaletteArgb(i, packArgb(alpha, j.palette[i].red, j.palette[i].green, j.palette[i].blue));
+        }
+        memcpy(colours, p.palette, sizeof p.palette);
+    }
+
+    // One pass of libpng over the file: the header only when `prepare` is
+    // null, else the whole image into the rows it hands out.
+    void run(png_bytep* (*prepare)(PngReadJob&)) {
+        Bytes block = std::move(m_job.block);
+        m_job = PngReadJob{};
+        m_job.block = std::move(block);
+        m_job.source = m_source.get();
+        m_job.message.allocationLimit = m_limit;
+        m_job.prepare = prepare;
+        m_job.owner = this;
+        bool ok = runRead(m_job);
+        m_rows.clear();
+        m_job.block = Bytes(); // the block is only wanted while libpng reads
+        if (!ok) fail("cannot read the PNG file: %s", m_job.message.text);
+    }
+
     // The header's claims, checked before libpng allocates anything for
     // them; libpng validates the header itself afterwards. Rows of up to 8
     // bytes a pixel (twice, for filtering) are the largest legitimate blocks.
-    size_t allocationLimit(const Bytes& file) {
+    size_t allocationLimit(const uint8_t* head, size_t size) {
         constexpr size_t kSmallBlocks = 8 << 20;
-        if (file.size() < 33 || memcmp(&file[12], "IHDR", 4) != 0) return kSmallBlocks;
-        ByteReader in(file.data(), file.size());
+        if (size < 33 || memcmp(&head[12], "IHDR", 4) != 0) return kSmallBlocks;
+        ByteReader in(head, size);
         in.seek(16);
         uint32_t width = in.u32be(), height = in.u32be();
         m_job.bitDepth = in.u8();
@@ -254,7 +342,7 @@ class PngReader : public FrameReader {
     static png_bytep* prepareRows(PngReadJob& job) {
         auto* self = static_cast<PngReader*>(job.owner);
         try {
-            self->allocate();
+            self->pointRows();
             return self->m_rows.data();
         } catch (const FormatError& error) {
             copyText(job.message.text, sizeof job.message.text, error.message);
@@ -264,48 +352,58 @@ class PngReader : public FrameReader {
         return nullptr;
     }
 
-    void allocate() {
+    void pointRows() {
         const PngReadJob& j = m_job;
         checkClaims();
-        bool palette = j.colourType == PNG_COLOR_TYPE_PALETTE;
-        if (palette)
-            m_picture.makeIndexed(static_cast<int32_t>(j.width), static_cast<int32_t>(j.height));
-        else
-            m_picture.makeTrueColour(static_cast<int32_t>(j.width), static_cast<int32_t>(j.height));
-        auto* base =
-            palette ? m_picture.indices.data() : reinterpret_cast<uint8_t*>(m_picture.argb.data());
-        size_t pitch = size_t{j.width} * (palette ? 1 : 4);
+        if (j.width != m_expectWidth || j.height != m_expectHeight || j.colourType != m_expectType)
+            fail("the PNG header changed while it was read");
         m_rows.resize(j.height);
         for (size_t y = 0; y < j.height; ++y)
-            m_rows[y] = base + y * pitch;
+            m_rows[y] = m_target + static_cast<ptrdiff_t>(y) * m_pitch;
     }
 
-    void finishPicture() {
+    void decodeRows(uint8_t* pixels, ptrdiff_t pitch) {
+        m_target = pixels;
+        m_pitch = pitch;
+        m_expectWidth = m_job.width;
+        m_expectHeight = m_job.height;
+        m_expectType = m_job.colourType;
+        int paletteSize = m_job.paletteSize;
+        run(prepareRows);
         const PngReadJob& j = m_job;
         if (j.colourType != PNG_COLOR_TYPE_PALETTE) {
-            // The rows hold bytes B, G, R, A; make them words whatever the byte order.
-            for (uint32_t& word : m_picture.argb) {
-                const auto* p = reinterpret_cast<const uint8_t*>(&word);
-                word = packArgb(p[3], p[2], p[1], p[0]);
+            if constexpr (std::endian::native != std::endian::little) {
+                // The rows hold bytes B, G, R, A; make them words.
+                for (size_t y = 0; y < j.height; ++y) {
+                    auto* row = reinterpret_cast<uint32_t*>(pixels + static_cast<ptrdiff_t>(y) * pitch);
+                    for (size_t x = 0; x < j.width; ++x) {
+                        const auto* p = reinterpret_cast<const uint8_t*>(&row[x]);
+                        row[x] = packArgb(p[3], p[2], p[1], p[0]);
+                    }
+                }
             }
             return;
         }
-        if (j.paletteSize == 0) fail("the PNG palette image has no palette");
-        for (int i = 0; i < j.paletteSize; ++i) {
-            uint32_t alpha = i < j.transSize ? j.trans[i] : 255;
-            m_picture.setPaletteArgb(
-                i, packArgb(alpha, j.palette[i].red, j.palette[i].green, j.palette[i].blue));
+        if (j.paletteSize != paletteSize) fail("the PNG palette changed while it was read");
+        for (size_t y = 0; y < j.height; ++y) {
+            const uint8_t* row = pixels + static_cast<ptrdiff_t>(y) * pitch;
+            uint8_t largest = 0;
+            for (size_t x = 0; x < j.width; ++x)
+                largest = std::max(largest, row[x]);
+            if (largest >= j.paletteSize)
+                fail("PNG pixel index %u is beyond the %d palette entries", largest, j.paletteSize);
         }
-        m_picture.numcolours = j.paletteSize;
-        for (uint8_t index : m_picture.indices)
-            if (index >= j.paletteSize)
-                fail("PNG pixel index %u is beyond the %d palette entries", index, j.paletteSize);
     }
 
-    size_t m_fileSize;
+    HostPtr<Source> m_source;
+    uint64_t m_fileSize = 0;
+    size_t m_limit = 0;
     PngReadJob m_job;
     HostVector<png_bytep> m_rows;
-    Picture m_picture;
+    uint8_t* m_target = nullptr;
+    ptrdiff_t m_pitch = 0;
+    png_uint_32 m_expectWidth = 0, m_expectHeight = 0;
+    int m_expectType = 0;
 };
 
 // --- writing ---------------------------------------------------------------
@@ -464,8 +562,12 @@ DetectScore detect(std::span<const uint8_t> head, const char* path) {
     return hasExtension(path, ".png") ? kByName : kNotMine;
 }
 
+HostPtr<FrameReader> openSource(HostPtr<Source>&& source) {
+    return makeHost<PngReader>(std::move(source));
+}
+
 HostPtr<FrameReader> open(Bytes&& file) {
-    return makeHost<PngReader>(std::move(file));
+    return openSource(memorySource(std::move(file)));
 }
 
 HostPtr<FrameWriter> create(int frames) {
@@ -478,6 +580,6 @@ HostPtr<FrameWriter> create(int frames) {
 
 } // namespace
 
-extern const Driver kPngDriver = {"png", about, detect, open, create};
+extern const Driver kPngDriver = {"png", about, detect, open, create, openSource};
 
 } // namespace tavix

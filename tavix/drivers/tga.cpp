@@ -33,6 +33,8 @@
 #include "tavix/core/Driver.h"
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <cstring>
 
 namespace tavix {
@@ -178,84 +180,128 @@ int settleAlpha(const TgaHeader& h, int bits, uint32_t* colours, size_t count) {
     return 8;
 }
 
-void unpackRuns(ByteReader& in, size_t pixelBytes, size_t pixels, Bytes& out) {
-    out.resize(pixels * pixelBytes);
-    size_t done = 0;
-    while (done < pixels) {
-        uint8_t head = in.u8();
-        size_t count = (head & 127u) + 1;
-        if (count > pixels - done)
-            fail("a Targa run-length packet of %zu pixels runs past the end of the image", count);
-        uint8_t* to = &out[done * pixelBytes];
-        if (head & 128) {
-            const uint8_t* pixel = in.take(pixelBytes);
-            for (size_t i = 0; i < count; ++i)
-                memcpy(to + i * pixelBytes, pixel, pixelBytes);
-        } else {
-            memcpy(to, in.take(count * pixelBytes), count * pixelBytes);
-        }
-        done += count;
-    }
-}
+// Hands out the stored pixels of a run-length packed image a row at a time;
+// packets may run on from one row into the next.
+class RunUnpacker {
+  public:
+    RunUnpacker(const uint8_t* data, size_t size, size_t pixelBytes, size_t pixels)
+        : m_in(data, size), m_pixelBytes(pixelBytes), m_left(pixels) {}
 
+    void fill(uint8_t* to, size_t count) {
+        const size_t bytes = m_pixelBytes;
+        while (count) {
+            if (m_pending == 0) {
+                uint8_t head = m_in.u8();
+                size_t n = (head & 127u) + 1;
+                if (n > m_left)
+                    fail("a Targa run-length packet of %zu pixels runs past the end of the image",
+                         n);
+                m_left -= n;
+                m_pending = n;
+                m_run = (head & 128) != 0;
+                if (m_run) m_value = m_in.take(bytes);
+            }
+            size_t k = std::min(m_pending, count);
+            if (m_run) {
+                for (size_t i = 0; i < k; ++i)
+                    memcpy(to + i * bytes, m_value, bytes);
+            } else {
+                memcpy(to, m_in.take(k * bytes), k * bytes);
+            }
+            to += k * bytes;
+            count -= k;
+            m_pending -= k;
+        }
+    }
+
+  private:
+    ByteReader m_in;
+    size_t m_pixelBytes;
+    size_t m_left;
+    size_t m_pending = 0;
+    bool m_run = false;
+    const uint8_t* m_value = nullptr;
+};
+
+// Stored rows of plain images are read in blocks of about this many bytes.
+constexpr size_t kBlockBytes = size_t{4} << 20;
+
+// The reader takes the header and colour map when the file is opened and
+// reads the pixel data only when the frame is decoded, in blocks straight
+// into the caller's rows. Only one thing needs the pixels before that: a
+// 32-bit image whose descriptor claims no alpha bits, whose alpha bytes
+// decide whether the frame has alpha at all.
 class TgaReader : public FrameReader {
   public:
-    explicit TgaReader(Bytes&& file) {
-        if (file.size() < kHeaderBytes) fail("the file is too short for a Targa header");
-        m_header = parseHeader(file.data());
-        if (const char* problem = fileProblem(m_header, file.size()))
+    explicit TgaReader(HostPtr<Source>&& source) : m_source(std::move(source)) {
+        uint64_t size = m_source->size();
+        if (size < kHeaderBytes) fail("the file is too short for a Targa header");
+        if (size > SIZE_MAX) fail("the file is too large");
+        uint8_t raw[kHeaderBytes];
+        m_source->read(0, raw, kHeaderBytes);
+        m_header = parseHeader(raw);
+        if (const char* problem = fileProblem(m_header, static_cast<size_t>(size)))
             fail("not a readable Targa file: %s", problem);
-        m_fileSize = file.size();
-        decodeAll(file);
+        m_fileSize = static_cast<size_t>(size);
+        checkedPixelCount(m_header.width, m_header.height);
+        const TgaHeader& h = m_header;
+        if (h.kind() == kMapped)
+            readMap(m_source->bytes(kHeaderBytes + h.idLength, h.mapBytes()).data());
+        else if (h.kind() == kGrey)
+            m_alphaBits = h.depth == 16 ? 8 : 0;
+        else if (h.depth == 32 && h.alphaBits() == 0)
+            m_alphaKnown = false; // the pixels tell
+        else
+            m_alphaBits = h.depth == 16 ? h.alphaBits() : h.depth == 32 ? 8 : 0;
     }
 
     int frameCount() const override { return 1; }
 
     void describe(int, TavixInfo& info, Bytes&) override {
         const TgaHeader& h = m_header;
+        bool mapped = h.kind() == kMapped;
+        if (!m_alphaKnown) settleAlphaFromPixels();
         info.formatid = kTgaId;
         info.width = h.width;
         info.height = h.height;
-        info.bufferbpp = m_picture.indexed ? 8 : 32;
+        info.bufferbpp = mapped ? 8 : 32;
         info.bpp = h.depth;
-        info.numcolours = m_picture.indexed ? m_picture.numcolours : 0;
-        if (m_picture.indexed) memcpy(info.colours, m_picture.palette, sizeof info.colours);
+        info.numcolours = mapped ? m_numColours : 0;
+        if (mapped) memcpy(info.colours, m_palette, sizeof info.colours);
         info.subtype = h.imageType;
         info.packed = h.packed() ? 1 : 0;
         info.framesize = static_cast<int32_t>(m_fileSize);
         info.alphabits = m_alphaBits;
-        int colourBits = h.kind() == kMapped ? h.mapBits : h.depth;
+        int colourBits = mapped ? h.mapBits : h.depth;
         int channel = h.kind() == kGrey ? 8 : colourBits <= 16 ? 5 : 8;
         info.redbits = info.greenbits = info.bluebits = channel;
     }
 
-    void decode(int, Picture& out) override { out = m_picture; }
-
-  private:
-    void decodeAll(const Bytes& file) {
+    void decode(int, Picture& out) override {
         const TgaHeader& h = m_header;
-        ByteReader in(file.data(), file.size());
-        in.seek(kHeaderBytes + h.idLength);
-        const uint8_t* map = in.take(h.mapBytes());
-        size_t pixels = checkedPixelCount(h.width, h.height);
-        Bytes unpacked;
-        const uint8_t* data;
-        if (h.packed()) {
-            unpackRuns(in, h.pixelBytes(), pixels, unpacked);
-            data = unpacked.data();
-        } else {
-            data = in.take(pixels * h.pixelBytes());
-        }
         if (h.kind() == kMapped) {
-            m_picture.makeIndexed(h.width, h.height);
-            readMap(map);
-            placeIndices(data);
+            out.makeIndexed(h.width, h.height);
+            memcpy(out.palette, m_palette, sizeof out.palette);
+            out.numcolours = m_numColours;
+            decodeRows(out.indices.data(), h.width);
         } else {
-            m_picture.makeTrueColour(h.width, h.height);
-            placeColours(data);
+            out.makeTrueColour(h.width, h.height);
+            decodeRows(reinterpret_cast<uint8_t*>(out.argb.data()),
+                       static_cast<ptrdiff_t>(h.width) * 4);
         }
     }
 
+    bool decodeInto(int, TavixInfo& info, uint8_t* pixels, ptrdiff_t pitch) override {
+        const TgaHeader& h = m_header;
+        bool mapped = h.kind() == kMapped;
+        if (info.width != h.width || info.height != h.height || (info.bufferbpp <= 8) != mapped)
+            return false;
+        decodeRows(pixels, pitch);
+        if (mapped) memcpy(info.colours, m_palette, sizeof info.colours);
+        return true;
+    }
+
+  private:
     void readMap(const uint8_t* map) {
         const TgaHeader& h = m_header;
         size_t entryBytes = (h.mapBits + 7u) / 8u;
@@ -264,56 +310,133 @@ class TgaReader : public FrameReader {
         for (size_t i = 0; i < usable; ++i)
             colours[i] = colourAt(map + i * entryBytes, h.mapBits, false);
         m_alphaBits = settleAlpha(h, h.mapBits, colours, usable);
+        Picture palette;
         for (size_t i = 0; i < usable; ++i)
-            m_picture.setPaletteArgb(static_cast<int>(h.mapFirst + i), colours[i]);
-        m_picture.numcolours = static_cast<int32_t>(h.mapFirst + usable);
+            palette.setPaletteArgb(static_cast<int>(h.mapFirst + i), colours[i]);
+        memcpy(m_palette, palette.palette, sizeof m_palette);
+        m_numColours = static_cast<int32_t>(h.mapFirst + usable);
     }
 
-    // Where pixel `column` of stored row `row` lands in the top-down frame.
-    size_t target(size_t row, size_t column) const {
+    // Calls `row(stored, bytes)` for every stored row in file order.
+    template <typename RowFn> void forEachStoredRow(RowFn&& row) {
         const TgaHeader& h = m_header;
-        size_t y = h.topDown() ? row : h.height - 1 - row;
-        size_t x = h.rightToLeft() ? h.width - 1 - column : column;
-        return y * h.width + x;
-    }
-
-    void placeIndices(const uint8_t* data) {
-        const TgaHeader& h = m_header;
-        unsigned first = h.mapFirst;
-        unsigned end = first + h.mapLength;
-        for (size_t row = 0; row < h.height; ++row)
-            for (size_t column = 0; column < h.width; ++column) {
-                uint8_t v = *data++;
-                if (v < first || v >= end)
-                    fail("Targa pixel value %u is outside the colour map (%u to %u)", v, first,
-                         end - 1);
-                m_picture.indices[target(row, column)] = v;
+        const size_t rowBytes = size_t{h.width} * h.pixelBytes();
+        const size_t offset = h.dataOffset();
+        if (h.packed()) {
+            // Packed data is read whole (it is rarely larger than one
+            // unpacked row block by much) and unpacked a row at a time.
+            Bytes packed = m_source->bytes(offset, m_fileSize - offset);
+            RunUnpacker unpacker(packed.data(), packed.size(), h.pixelBytes(),
+                                 size_t{h.width} * h.height);
+            Bytes line(rowBytes);
+            for (size_t y = 0; y < h.height; ++y) {
+                unpacker.fill(line.data(), h.width);
+                row(y, line.data());
             }
+            return;
+        }
+        const size_t perBlock = std::max<size_t>(1, kBlockBytes / rowBytes);
+        Bytes block(std::min<size_t>(perBlock, h.height) * rowBytes);
+        for (size_t y = 0; y < h.height; y += perBlock) {
+            size_t rows = std::min<size_t>(perBlock, h.height - y);
+            m_source->read(offset + y * rowBytes, block.data(), rows * rowBytes);
+            for (size_t r = 0; r < rows; ++r)
+                row(y + r, block.data() + r * rowBytes);
+        }
     }
 
-    void placeColours(const uint8_t* data) {
+    void settleAlphaFromPixels() {
+        uint8_t any = 0;
+        forEachStoredRow([&](size_t, const uint8_t* data) {
+            for (size_t x = 0; x < m_header.width; ++x)
+                any |= data[x * 4 + 3];
+        });
+        m_alphaBits = any ? 8 : 0;
+        m_alphaKnown = true;
+    }
+
+    // Decodes into rows of 32-bit words (true colour and grey) or indices
+    // (colour-mapped), `pitch` bytes apart, top row first.
+    void decodeRows(uint8_t* pixels, ptrdiff_t pitch) {
         const TgaHeader& h = m_header;
-        size_t step = h.pixelBytes();
-        bool greyAlpha = h.kind() == kGrey && h.depth == 16;
-        for (size_t row = 0; row < h.height; ++row)
-            for (size_t column = 0; column < h.width; ++column, data += step) {
-                uint32_t colour;
-                if (h.kind() == kGrey)
-                    colour = packArgb(greyAlpha ? data[1] : 255, data[0], data[0], data[0]);
-                else
-                    colour = colourAt(data, h.depth, h.alphaBits() > 0);
-                m_picture.argb[target(row, column)] = colour;
+        const size_t width = h.width;
+        auto target = [&](size_t stored) {
+            size_t y = h.topDown() ? stored : h.height - 1 - stored;
+            return pixels + static_cast<ptrdiff_t>(y) * pitch;
+        };
+        if (h.kind() == kMapped) {
+            const unsigned first = h.mapFirst, end = first + h.mapLength;
+            forEachStoredRow([&](size_t stored, const uint8_t* data) {
+                uint8_t* to = target(stored);
+                bool outside = false;
+                for (size_t x = 0; x < width; ++x)
+                    outside |= data[x] < first || data[x] >= end;
+                if (outside)
+                    for (size_t x = 0; x < width; ++x)
+                        if (data[x] < first || data[x] >= end)
+                            fail("Targa pixel value %u is outside the colour map (%u to %u)",
+                                 data[x], first, end - 1);
+                memcpy(to, data, width);
+                if (h.rightToLeft()) std::reverse(to, to + width);
+            });
+            return;
+        }
+        const bool grey = h.kind() == kGrey;
+        const int depth = h.depth;
+        const bool alphaBit = h.alphaBits() > 0;
+        // A 32-bit image with unsettled alpha keeps its bytes as they are
+        // until every row has been seen.
+        const bool forceOpaque = depth == 32 && !grey && m_alphaKnown && m_alphaBits == 0;
+        uint8_t anyAlpha = 0;
+        forEachStoredRow([&](size_t stored, const uint8_t* data) {
+            auto* to = reinterpret_cast<uint32_t*>(target(stored));
+            if (grey && depth == 16) {
+                for (size_t x = 0; x < width; ++x)
+                    to[x] = packArgb(data[2 * x + 1], data[2 * x], data[2 * x], data[2 * x]);
+            } else if (grey) {
+                for (size_t x = 0; x < width; ++x)
+                    to[x] = packArgb(255, data[x], data[x], data[x]);
+            } else if (depth == 32 && !forceOpaque && std::endian::native == std::endian::little) {
+                // Stored B, G, R, A is already the word 0xAARRGGBB.
+                memcpy(to, data, width * 4);
+                if (!m_alphaKnown)
+                    for (size_t x = 0; x < width; ++x)
+                        anyAlpha |= data[4 * x + 3];
+            } else if (depth == 32) {
+                for (size_t x = 0; x < width; ++x) {
+                    const uint8_t* p = data + 4 * x;
+                    anyAlpha |= p[3];
+                    to[x] = packArgb(forceOpaque ? 255 : p[3], p[2], p[1], p[0]);
+                }
+            } else if (depth == 24) {
+                for (size_t x = 0; x < width; ++x) {
+                    const uint8_t* p = data + 3 * x;
+                    to[x] = packArgb(255, p[2], p[1], p[0]);
+                }
+            } else {
+                for (size_t x = 0; x < width; ++x)
+                    to[x] = colourAt(data + 2 * x, depth, alphaBit);
             }
-        if (h.kind() == kGrey)
-            m_alphaBits = greyAlpha ? 8 : 0;
-        else
-            m_alphaBits = settleAlpha(h, h.depth, m_picture.argb.data(), m_picture.argb.size());
+            if (h.rightToLeft()) std::reverse(to, to + width);
+        });
+        if (depth == 32 && !grey && !m_alphaKnown) {
+            m_alphaKnown = true;
+            m_alphaBits = anyAlpha ? 8 : 0;
+            if (!anyAlpha)
+                for (size_t y = 0; y < h.height; ++y) {
+                    auto* row = reinterpret_cast<uint32_t*>(pixels + static_cast<ptrdiff_t>(y) * pitch);
+                    makeOpaque(row, width);
+                }
+        }
     }
 
+    HostPtr<Source> m_source;
     TgaHeader m_header;
     size_t m_fileSize = 0;
     int m_alphaBits = 0;
-    Picture m_picture;
+    bool m_alphaKnown = true;
+    TavixColour m_palette[256] = {};
+    int32_t m_numColours = 0;
 };
 
 // --- writing ---------------------------------------------------------------
@@ -367,8 +490,20 @@ class TgaWriter : public FrameWriter {
         m_has = true;
     }
 
+    // Rows go to the stream in blocks as they are made.
+    void finishTo(intptr_t stream) override {
+        Bytes file;
+        file.reserve(kBlockBytes + size_t(m_picture.width) * 4 * 2 + 1024);
+        m_sink = stream;
+        m_file = &file;
+        finish(file);
+        m_sink = 0;
+        writeWhole(stream, file);
+    }
+
     void finish(Bytes& file) override {
         if (!m_has) fail("no image was given to write");
+        m_file = &file;
         ByteWriter out(file);
         const Picture& p = m_picture;
         int entries = p.indexed ? paletteEntries(p) : 0;
@@ -426,6 +561,8 @@ class TgaWriter : public FrameWriter {
             size_t first = static_cast<size_t>(y) * width;
             if (p.indexed) {
                 memcpy(row.data(), &p.indices[first], width);
+            } else if (alpha && std::endian::native == std::endian::little) {
+                memcpy(row.data(), &p.argb[first], width * 4); // words are B, G, R, A in memory
             } else {
                 for (size_t x = 0; x < width; ++x) {
                     uint32_t c = p.argb[first + x];
@@ -440,10 +577,16 @@ class TgaWriter : public FrameWriter {
                 packRow(out, row.data(), width, bytes);
             else
                 out.bytes(row.data(), row.size());
+            if (m_sink && m_file->size() >= kBlockBytes) {
+                writeWhole(m_sink, *m_file);
+                m_file->clear();
+            }
         }
     }
 
     Picture m_picture;
+    intptr_t m_sink = 0;     // the stream blocks go to, while finishTo runs
+    Bytes* m_file = nullptr; // the bytes finish() is making
     bool m_has = false;
     bool m_packed = false;
     bool m_keepAlpha = false;
@@ -486,8 +629,12 @@ DetectScore detect(std::span<const uint8_t> head, const char* path) {
     return named ? kByName : kNotMine;
 }
 
+HostPtr<FrameReader> openSource(HostPtr<Source>&& source) {
+    return makeHost<TgaReader>(std::move(source));
+}
+
 HostPtr<FrameReader> open(Bytes&& file) {
-    return makeHost<TgaReader>(std::move(file));
+    return openSource(memorySource(std::move(file)));
 }
 
 HostPtr<FrameWriter> create(int frames) {
@@ -500,6 +647,6 @@ HostPtr<FrameWriter> create(int frames) {
 
 } // namespace
 
-extern const Driver kTgaDriver = {"tga", about, detect, open, create};
+extern const Driver kTgaDriver = {"tga", about, detect, open, create, openSource};
 
 } // namespace tavix

@@ -44,6 +44,23 @@ ToolRun zytool(const std::string& arguments, const TempFolder& folder) {
     return run;
 }
 
+std::vector<uint8_t> readBytes(const std::string& path) {
+    std::vector<uint8_t> bytes;
+    FILE* file = fopen(path.c_str(), "rb");
+    int c;
+    while (file && (c = fgetc(file)) != EOF)
+        bytes.push_back(static_cast<uint8_t>(c));
+    if (file) fclose(file);
+    return bytes;
+}
+
+void writeBytes(const std::string& path, const std::vector<uint8_t>& bytes) {
+    FILE* file = fopen(path.c_str(), "wb");
+    ASSERT_NE(file, nullptr);
+    fwrite(bytes.data(), 1, bytes.size(), file);
+    fclose(file);
+}
+
 class Zytool : public ::testing::Test {
   protected:
     void SetUp() override { bindBuiltLibrary(); }
@@ -92,6 +109,74 @@ TEST_F(Zytool, InfoDescribesEachFrame) {
     EXPECT_NE(run.out.find("palette 256"), std::string::npos);
     EXPECT_NE(run.out.find("comment \"first\""), std::string::npos);
     EXPECT_NE(run.out.find("5x5x32"), std::string::npos);
+}
+
+// info reads headers only: a file whose pixel data is damaged is still
+// listed in full, while reading its pixels (convert) fails.
+TEST_F(Zytool, InfoListsFramesWhosePixelsAreDamaged) {
+    struct Case {
+        const char* name;
+        const char* driver;
+        int bufferbpp;
+        const char* geometry;
+    } cases[] = {
+        {"damaged.png", "png", 32, "7x5x32"},
+        {"damaged.tga", "tga", 32, "7x5x32"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        std::vector<TavixFrame> frames;
+        frames.push_back(makeFrame(7, 5, c.bufferbpp));
+        frames[0].info->alphabits = 8;
+        frames[0].info->packed = 1;
+        std::string path = writeFrames(c.name, std::move(frames), c.driver);
+        std::vector<uint8_t> bytes = readBytes(path);
+        if (std::string(c.driver) == "png") {
+            // Overwrite the deflated data inside IDAT (its checksum then fails too).
+            auto at = std::search(bytes.begin(), bytes.end(), std::begin("IDAT"), std::end("IDAT") - 1);
+            ASSERT_NE(at, bytes.end());
+            std::fill(at + 4, at + 12, uint8_t{0xFF});
+        } else {
+            // The first run-length packet now claims 128 pixels of 35.
+            bytes.at(18) = 0xFF;
+        }
+        writeBytes(path, bytes);
+        ToolRun info = zytool("info " + path, m_folder);
+        EXPECT_EQ(info.status, 0) << info.err;
+        EXPECT_NE(info.out.find("1 frame"), std::string::npos) << info.out;
+        EXPECT_NE(info.out.find(c.geometry), std::string::npos) << info.out;
+        ToolRun convert = zytool("convert " + path + " " + (m_folder / "out.tvx").string(), m_folder);
+        EXPECT_NE(convert.status, 0) << "the damaged pixels must not read";
+    }
+}
+
+// A 32-bit Targa whose descriptor claims no alpha bits: the alpha bytes
+// decide, in the record from the headers-only listing as in a full read.
+TEST_F(Zytool, TargaAlphaIsSettledByThePixelsInEveryReadingMode) {
+    struct Case {
+        uint8_t alpha[2];
+        int alphabits;
+        uint32_t first;
+    } cases[] = {
+        {{0, 0}, 0, 0xFF102030u},
+        {{0x80, 0}, 8, 0x80102030u},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.alphabits);
+        std::vector<uint8_t> bytes = {0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 1, 0, 32, 0x20,
+                                      0x30, 0x20, 0x10, c.alpha[0], 1, 2, 3, c.alpha[1]};
+        std::string path = (m_folder / "alpha.tga").string();
+        writeBytes(path, bytes);
+        TavixReadResult listed = TavixReadInformation(path);
+        ASSERT_TRUE(listed.ok) << listed.error;
+        ASSERT_EQ(listed.frames.size(), 1u);
+        EXPECT_TRUE(listed.frames[0].pixels.empty());
+        EXPECT_EQ(listed.frames[0].info->alphabits, c.alphabits);
+        TavixReadResult read = TavixReadFile(path);
+        ASSERT_TRUE(read.ok) << read.error;
+        EXPECT_EQ(read.frames[0].info->alphabits, c.alphabits);
+        EXPECT_EQ(argbPixels(read.frames[0]).at(0), c.first);
+    }
 }
 
 TEST_F(Zytool, ConvertJoinsInputsInOrderAndNamesLoneFrames) {
