@@ -58,11 +58,15 @@ void bindCodecLibrary() {
 TavixAbout driverAbout(int driver) {
     TavixSet(driver);
     TavixAboutPtr about(TavixAboutDriver());
-    if (!about) throw ToolError("the codec library gives no description of driver " + std::to_string(driver));
+    if (!about)
+        throw ToolError("the codec library gives no description of driver " +
+                        std::to_string(driver));
     return *about;
 }
 
-std::string driverName(int driver) { return driverAbout(driver).shortname; }
+std::string driverName(int driver) {
+    return driverAbout(driver).shortname;
+}
 
 int outputDriver(const std::string& path, const std::string& format) {
     if (!format.empty()) {
@@ -87,7 +91,8 @@ TavixReadResult readFileOrThrow(const std::string& path, bool partial, bool pixe
     TavixReadResult result = pixels ? TavixReadFile(path) : TavixReadInformation(path);
     if (result.ok) return result;
     // A listing of a file none of whose frames read would only be a header.
-    if (!partial || result.driver < 0 || result.frames.empty()) throw ToolError(path + ": " + result.error);
+    if (!partial || result.driver < 0 || result.frames.empty())
+        throw ToolError(path + ": " + result.error);
     fprintf(stderr, "zytool: %s: %s\n", path.c_str(), result.error.c_str());
     return result;
 }

@@ -18,7 +18,7 @@ struct ToolError : std::runtime_error {
 
 struct Args {
     std::vector<std::string> positional;
-    std::map<std::string, std::string> options; // "--format png" -> {"format", "png"}
+    std::map<std::string, std::string> options;             // "--format png" -> {"format", "png"}
     std::vector<std::pair<std::string, std::string>> given; // every option in order, repeats kept
 
     bool has(const std::string& name) const { return options.count(name) != 0; }

@@ -23,9 +23,14 @@ std::string capabilityText(const TavixAbout& about) {
         const char* name;
     };
     static const Flag kFlags[] = {
-        {kCapRead, "read"},          {kCapWrite, "write"},        {kCapPalette, "palette"},
-        {kCapTrueColour, "truecolour"}, {kCapMultiImage, "multi"}, {kCapPacked | kCapPackedAlt, "packed"},
-        {kCapStartColour, "startcolour"}, {kCapAttributeBits, "attributes"},
+        {kCapRead, "read"},
+        {kCapWrite, "write"},
+        {kCapPalette, "palette"},
+        {kCapTrueColour, "truecolour"},
+        {kCapMultiImage, "multi"},
+        {kCapPacked | kCapPackedAlt, "packed"},
+        {kCapStartColour, "startcolour"},
+        {kCapAttributeBits, "attributes"},
     };
     std::string text;
     for (const Flag& flag : kFlags)
@@ -46,11 +51,12 @@ std::string extensionText(const TavixAbout& about) {
 
 int runFormats(const Args&) {
     bindCodecLibrary();
-    printf("%-5s %-10s %-14s %-32s %s\n", "index", "name", "extensions", "description", "capabilities");
+    printf("%-5s %-10s %-14s %-32s %s\n", "index", "name", "extensions", "description",
+           "capabilities");
     for (int driver = 0; driver < TavixCount(); ++driver) {
         TavixAbout about = driverAbout(driver);
-        printf("%-5d %-10.16s %-14s %-32.32s %s\n", driver, about.shortname, extensionText(about).c_str(),
-               about.description, capabilityText(about).c_str());
+        printf("%-5d %-10.16s %-14s %-32.32s %s\n", driver, about.shortname,
+               extensionText(about).c_str(), about.description, capabilityText(about).c_str());
         if (about.notes[0]) printf("      %.128s\n", about.notes);
     }
     return 0;

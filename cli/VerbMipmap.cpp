@@ -43,7 +43,8 @@ void appendChain(const TavixFrame& source, int32_t module, const std::vector<Mod
     ImageEntry entry{source.info.get(), source.pixels.data(), source.pitch};
     ModuleInstance* instance = nullptr;
     if (!module_open(&instance, 1, &entry, static_cast<int32_t>(values.size()), values.data()))
-        throw ToolError(std::string("Mipmap cannot start on frame '") + source.info->framename + "'");
+        throw ToolError(std::string("Mipmap cannot start on frame '") + source.info->framename +
+                        "'");
     bool ok = true;
     for (int32_t level = 0; ok; ++level) {
         GPtr<TavixInfo> info(module_query(instance, level));
@@ -56,19 +57,22 @@ void appendChain(const TavixFrame& source, int32_t module, const std::vector<Mod
         if (pixels) gfree(pixels);
     }
     module_close(instance);
-    if (!ok) throw ToolError(std::string("Mipmap failed on frame '") + source.info->framename + "'");
+    if (!ok)
+        throw ToolError(std::string("Mipmap failed on frame '") + source.info->framename + "'");
 }
 
 bool continuesChain(const TavixInfo& info, const TavixInfo* previous) {
     return previous && (info.attributes & kAttrMipLevel) &&
-           info.width == std::max(1, previous->width / 2) && info.height == std::max(1, previous->height / 2);
+           info.width == std::max(1, previous->width / 2) &&
+           info.height == std::max(1, previous->height / 2);
 }
 
 } // namespace
 
 int runMipmap(const Args& args) {
     if (args.positional.size() != 2)
-        throw ToolError("usage: zytool mipmap IN OUT [--levels N] [--method M] [--select EXPR] [--format NAME]");
+        throw ToolError("usage: zytool mipmap IN OUT [--levels N] [--method M] [--select EXPR] "
+                        "[--format NAME]");
     bindCodecLibrary();
     const std::string& output = args.positional[1];
     int driver = outputDriver(output, args.option("format"));
@@ -93,7 +97,8 @@ int runMipmap(const Args& args) {
             frames.push_back(frameFrom(*frame.info, frame.pixels.data(), frame.pitch));
     }
     std::vector<const TavixFrame*> list;
-    for (const TavixFrame& frame : frames) list.push_back(&frame);
+    for (const TavixFrame& frame : frames)
+        list.push_back(&frame);
     std::string error;
     if (!TavixWriteFileSafely(output, driver, list, error))
         throw ToolError("cannot write '" + output + "': " + error);

@@ -55,7 +55,8 @@ int runModules(const Args&) {
     for (int32_t index = 0; index < module_count(); ++index) {
         module_select(index);
         GPtr<ModuleDescriptor> descriptor(module_describe());
-        if (!descriptor) throw ToolError("module " + std::to_string(index) + " cannot describe itself");
+        if (!descriptor)
+            throw ToolError("module " + std::to_string(index) + " cannot describe itself");
         printf("%2d %-12.16s %-36.32s %.8s\n", index, descriptor->name, descriptor->description,
                descriptor->version);
         for (uint32_t p = 0; p < descriptor->paramCount && p < kModuleMaxParams; ++p)

@@ -29,7 +29,8 @@ int moduleByName(const std::string& name, GPtr<ModuleDescriptor>& descriptor) {
 
 // Text parameters (expressions) travel as the address of the caller's text:
 // `texts` must outlive the module run.
-std::vector<ModuleValue> valuesFrom(const std::vector<std::string>& texts, const ModuleDescriptor& descriptor) {
+std::vector<ModuleValue> valuesFrom(const std::vector<std::string>& texts,
+                                    const ModuleDescriptor& descriptor) {
     std::vector<ModuleValue> values;
     for (size_t i = 0; i < texts.size(); ++i) {
         const ModuleParam* param = i < descriptor.paramCount ? &descriptor.params[i] : nullptr;
@@ -37,15 +38,18 @@ std::vector<ModuleValue> valuesFrom(const std::vector<std::string>& texts, const
         if (param && (param->type & kParamHandleHint)) {
             // A program's own object: nothing typed here can name one.
             ModuleValue typed{};
-            if (!module_value_from_text(nullptr, texts[i].c_str(), &typed) || typed.asPointer() != nullptr)
-                throw ToolError("value " + std::to_string(i + 1) + " ('" + texts[i] + "'): parameter '" +
-                                param->name + "' is for programs only; give 0 here");
+            if (!module_value_from_text(nullptr, texts[i].c_str(), &typed) ||
+                typed.asPointer() != nullptr)
+                throw ToolError("value " + std::to_string(i + 1) + " ('" + texts[i] +
+                                "'): parameter '" + param->name +
+                                "' is for programs only; give 0 here");
             value = ModuleValue::ofPointer(nullptr);
         } else if (param && (param->type & kParamTextHint))
             value = ModuleValue::ofPointer(texts[i].c_str());
         else if (!module_value_from_text(param, texts[i].c_str(), &value))
-            throw ToolError("value " + std::to_string(i + 1) + " ('" + texts[i] + "') does not fit " +
-                            (param ? "parameter '" + std::string(param->name) + "'" : "an extra slot"));
+            throw ToolError(
+                "value " + std::to_string(i + 1) + " ('" + texts[i] + "') does not fit " +
+                (param ? "parameter '" + std::string(param->name) + "'" : "an extra slot"));
         values.push_back(value);
     }
     return values;
@@ -53,35 +57,41 @@ std::vector<ModuleValue> valuesFrom(const std::vector<std::string>& texts, const
 
 // The second image of frame i for two-image modules (--second FILE): frame
 // i of FILE, or FILE's only frame for every frame.
-std::vector<std::unique_ptr<CTavixImage>> secondImages(const Args& args, const ModuleDescriptor& descriptor,
-                                                       size_t frames) {
+std::vector<std::unique_ptr<CTavixImage>>
+secondImages(const Args& args, const ModuleDescriptor& descriptor, size_t frames) {
     std::vector<std::unique_ptr<CTavixImage>> images;
     if (!args.has("second")) return images;
     if (descriptor.images < 2)
-        throw ToolError(std::string("module ") + descriptor.name + " takes one image; --second is for two-image modules");
+        throw ToolError(std::string("module ") + descriptor.name +
+                        " takes one image; --second is for two-image modules");
     TavixReadResult file = readFileOrThrow(args.option("second"));
     if (file.frames.size() != 1 && file.frames.size() != frames)
-        throw ToolError("--second needs one frame or as many frames as the input (" + std::to_string(frames) +
-                        "), not " + std::to_string(file.frames.size()));
-    for (const TavixFrame& frame : file.frames) images.push_back(CTavixImage::FromFrame(frame));
+        throw ToolError("--second needs one frame or as many frames as the input (" +
+                        std::to_string(frames) + "), not " + std::to_string(file.frames.size()));
+    for (const TavixFrame& frame : file.frames)
+        images.push_back(CTavixImage::FromFrame(frame));
     return images;
 }
 
 // A psnr Blend run reports the signal-to-noise ratios of every frame and
 // of the whole file so far.
-void printBlendRatios(const ModuleDescriptor& descriptor, const std::vector<ModuleValue>& values, size_t frame) {
+void printBlendRatios(const ModuleDescriptor& descriptor, const std::vector<ModuleValue>& values,
+                      size_t frame) {
     constexpr int kPsnrMethod = 5;
-    if (strcasecmp(descriptor.name, "Blend") != 0 || values.empty() || values[0].asInt() != kPsnrMethod) return;
+    if (strcasecmp(descriptor.name, "Blend") != 0 || values.empty() ||
+        values[0].asInt() != kPsnrMethod)
+        return;
     const BlendPsnr psnr = blend_psnr_read();
-    printf("frame %zu: psnr %.2f dB, luminance %.2f dB; so far %.2f dB, luminance %.2f dB\n", frame, psnr.channel,
-           psnr.luminance, psnr.totalChannel, psnr.totalLuminance);
+    printf("frame %zu: psnr %.2f dB, luminance %.2f dB; so far %.2f dB, luminance %.2f dB\n", frame,
+           psnr.channel, psnr.luminance, psnr.totalChannel, psnr.totalLuminance);
 }
 
 } // namespace
 
 int runRun(const Args& args) {
     if (args.positional.size() < 3)
-        throw ToolError("usage: zytool run MODULE [values...] IN OUT [--second FILE] [--select EXPR] [--format NAME]");
+        throw ToolError("usage: zytool run MODULE [values...] IN OUT [--second FILE] [--select "
+                        "EXPR] [--format NAME]");
     bindCodecLibrary();
     CConsoleUi console;
     ZySetUi(&console);
@@ -95,7 +105,8 @@ int runRun(const Args& args) {
 
     TavixReadResult file = readFileOrThrow(input);
     std::vector<bool> chosen = selectedFrames(args, file.frames);
-    std::vector<std::unique_ptr<CTavixImage>> seconds = secondImages(args, *descriptor, file.frames.size());
+    std::vector<std::unique_ptr<CTavixImage>> seconds =
+        secondImages(args, *descriptor, file.frames.size());
     blend_psnr_reset();
     std::vector<TavixFrame> results;
     for (size_t i = 0; i < file.frames.size(); ++i) {
@@ -104,16 +115,20 @@ int runRun(const Args& args) {
             continue;
         }
         std::unique_ptr<CTavixImage> image = CTavixImage::FromFrame(file.frames[i]);
-        const CTavixImage* second = seconds.empty() ? nullptr : seconds[seconds.size() == 1 ? 0 : i].get();
+        const CTavixImage* second =
+            seconds.empty() ? nullptr : seconds[seconds.size() == 1 ? 0 : i].get();
         std::unique_ptr<CTavixImage> result =
-            image ? image->RunModule(module, values.data(), static_cast<int>(values.size()), second) : nullptr;
+            image ? image->RunModule(module, values.data(), static_cast<int>(values.size()), second)
+                  : nullptr;
         if (!result)
-            throw ToolError(std::string("module ") + descriptor->name + " failed on frame " + std::to_string(i));
+            throw ToolError(std::string("module ") + descriptor->name + " failed on frame " +
+                            std::to_string(i));
         printBlendRatios(*descriptor, values, i);
         results.push_back(result->ToFrame());
     }
     std::vector<const TavixFrame*> list;
-    for (const TavixFrame& frame : results) list.push_back(&frame);
+    for (const TavixFrame& frame : results)
+        list.push_back(&frame);
     std::string error;
     if (!TavixWriteFileSafely(output, driver, list, error))
         throw ToolError("cannot write '" + output + "': " + error);

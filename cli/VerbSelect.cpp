@@ -12,10 +12,12 @@
 namespace zytool {
 namespace {
 
-std::vector<int32_t> selectIndices(const std::string& expression, const std::vector<TavixFrame>& frames) {
+std::vector<int32_t> selectIndices(const std::string& expression,
+                                   const std::vector<TavixFrame>& frames) {
     std::vector<std::string> names;
     for (const TavixFrame& frame : frames)
-        names.emplace_back(frame.info->framename, strnlen(frame.info->framename, sizeof frame.info->framename));
+        names.emplace_back(frame.info->framename,
+                           strnlen(frame.info->framename, sizeof frame.info->framename));
     std::optional<std::vector<int32_t>> indices = RangeExpression::SelectIndices(expression, names);
     if (!indices) throw ToolError("Invalid range.");
     return *indices;
@@ -26,7 +28,8 @@ std::vector<int32_t> selectIndices(const std::string& expression, const std::vec
 std::vector<bool> selectedFrames(const Args& args, const std::vector<TavixFrame>& frames) {
     if (!args.has("select")) return std::vector<bool>(frames.size(), true);
     std::vector<bool> chosen(frames.size(), false);
-    for (int32_t index : selectIndices(args.option("select"), frames)) chosen[static_cast<size_t>(index)] = true;
+    for (int32_t index : selectIndices(args.option("select"), frames))
+        chosen[static_cast<size_t>(index)] = true;
     return chosen;
 }
 

@@ -17,42 +17,55 @@ struct Verb {
 };
 
 const Verb kVerbs[] = {
-    {"formats", "formats                         list the codec library's drivers", zytool::runFormats},
+    {"formats", "formats                         list the codec library's drivers",
+     zytool::runFormats},
     {"info", "info FILE                       list the frames of a file", zytool::runInfo},
-    {"convert", "convert IN... OUT [--format NAME] [--select EXPR]\n"
-                "                                  write every frame of the inputs to OUT",
+    {"convert",
+     "convert IN... OUT [--format NAME] [--select EXPR]\n"
+     "                                  write every frame of the inputs to OUT",
      zytool::runConvert},
-    {"export", "export IN DIR [--format NAME] [--select EXPR] [--name-format 0-3]\n"
-               "                                  write each frame to its own file in DIR",
+    {"export",
+     "export IN DIR [--format NAME] [--select EXPR] [--name-format 0-3]\n"
+     "                                  write each frame to its own file in DIR",
      zytool::runExport},
-    {"import", "import DIR... OUT [--names keep|file|number] [--path-comment] [--format NAME]\n"
-               "                                  import image files and folders into one file",
+    {"import",
+     "import DIR... OUT [--names keep|file|number] [--path-comment] [--format NAME]\n"
+     "                                  import image files and folders into one file",
      zytool::runImport},
     {"select", "select EXPR FILE                print the indices of the frames EXPR selects",
      zytool::runSelect},
-    {"run", "run MODULE [values...] IN OUT [--second FILE] [--select EXPR] [--format NAME]\n"
-            "                                  apply an image module to the frames of IN",
+    {"run",
+     "run MODULE [values...] IN OUT [--second FILE] [--select EXPR] [--format NAME]\n"
+     "                                  apply an image module to the frames of IN",
      zytool::runRun},
-    {"mipmap", "mipmap IN OUT [--levels N] [--method M] [--select EXPR] [--format NAME]\n"
-               "                                  give every frame a chain of mip-map levels",
+    {"mipmap",
+     "mipmap IN OUT [--levels N] [--method M] [--select EXPR] [--format NAME]\n"
+     "                                  give every frame a chain of mip-map levels",
      zytool::runMipmap},
-    {"quantize", "quantize IN OUT [--colors K] [--method NAME] [--dither D] [--shared] [--select EXPR]\n"
-                 "                                  reduce frames to 8-bit indexed images", zytool::runQuantize},
-    {"depth", "depth IN OUT --bits ARGB [--dither D] [--select EXPR]\n"
-              "                                  reduce the bits of each channel (0565, 1555, 4444)", zytool::runDepth},
+    {"quantize",
+     "quantize IN OUT [--colors K] [--method NAME] [--dither D] [--shared] [--select EXPR]\n"
+     "                                  reduce frames to 8-bit indexed images",
+     zytool::runQuantize},
+    {"depth",
+     "depth IN OUT --bits ARGB [--dither D] [--select EXPR]\n"
+     "                                  reduce the bits of each channel (0565, 1555, 4444)",
+     zytool::runDepth},
     {"modules", "modules                         list the image modules and their parameters",
      zytool::runModules},
-    {"command", "command ID|NAME IN OUT [--select EXPR] [--set SECTION/KEY=VALUE ...] [--answer yes|no]\n"
-                "                [--colors LIST]   run one editor command on the images of IN; LIST\n"
-                "                                  (\"3,10-12\") is the palette well's colour selection",
+    {"command",
+     "command ID|NAME IN OUT [--select EXPR] [--set SECTION/KEY=VALUE ...] [--answer yes|no]\n"
+     "                [--colors LIST]   run one editor command on the images of IN; LIST\n"
+     "                                  (\"3,10-12\") is the palette well's colour selection",
      zytool::runCommand},
-    {"commands", "commands [--keys ID|NAME]       list the editor's commands, or the settings one reads",
+    {"commands",
+     "commands [--keys ID|NAME]       list the editor's commands, or the settings one reads",
      zytool::runCommands},
 };
 
 void printUsage(FILE* to) {
     fprintf(to, "usage: zytool VERB ...\n");
-    for (const Verb& verb : kVerbs) fprintf(to, "  zytool %s\n", verb.usage);
+    for (const Verb& verb : kVerbs)
+        fprintf(to, "  zytool %s\n", verb.usage);
 }
 
 } // namespace

@@ -12,7 +12,8 @@ namespace {
 // Extensions end at the first empty entry; at most eight count.
 int extensionCount(const TavixAbout& about) {
     int n = 0;
-    while (n < kTavixMaxExtensions && about.extensions[n][0] != 0) ++n;
+    while (n < kTavixMaxExtensions && about.extensions[n][0] != 0)
+        ++n;
     return n;
 }
 
@@ -54,7 +55,8 @@ void CTavixFileTypesList::Build() {
 
 void CTavixFileTypesList::BuildFrom(std::span<const TavixAbout> drivers) {
     size_t count = 0;
-    for (const TavixAbout& about : drivers) count += static_cast<size_t>(extensionCount(about));
+    for (const TavixAbout& about : drivers)
+        count += static_cast<size_t>(extensionCount(about));
     m_rows.clear();
     m_rows.reserve(count);
     for (size_t driver = 0; driver < drivers.size(); ++driver)
@@ -97,7 +99,8 @@ TavixFileFilter TavixBuildFileFilter(const CTavixFileTypesList& rows, bool openM
         }
     }
     if (openMode) filter.entries.push_back({"All Files (*.*)", "*.*", -1});
-    filter.initialIndex = chosen ? chosen : (openMode ? static_cast<int>(filter.entries.size()) : 1);
+    filter.initialIndex =
+        chosen ? chosen : (openMode ? static_cast<int>(filter.entries.size()) : 1);
     return filter;
 }
 

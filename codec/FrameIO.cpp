@@ -133,10 +133,13 @@ TavixReadResult TavixReadFile(const std::string& path, const TavixProgress& prog
     return readFile(path, progress, true);
 }
 
-TavixReadResult TavixReadInformation(const std::string& path) { return readFile(path, {}, false); }
+TavixReadResult TavixReadInformation(const std::string& path) {
+    return readFile(path, {}, false);
+}
 
-bool TavixWriteFile(const std::string& path, int driver, const std::vector<const TavixFrame*>& frames,
-                    std::string& error, const TavixProgress& progress) {
+bool TavixWriteFile(const std::string& path, int driver,
+                    const std::vector<const TavixFrame*>& frames, std::string& error,
+                    const TavixProgress& progress) {
     TavixSet(driver);
     TavixAboutPtr about(TavixAboutDriver()); // asked for, as the calling order wants
     about.reset();

@@ -60,8 +60,9 @@ TavixReadResult TavixReadInformation(const std::string& path);
 // Writes every frame with the driver; false with `error` set on failure.
 // The file at `path` is created (with its folders) and written as it goes:
 // callers that must not lose an old file write to a temporary path first.
-bool TavixWriteFile(const std::string& path, int driver, const std::vector<const TavixFrame*>& frames,
-                    std::string& error, const TavixProgress& progress = {});
+bool TavixWriteFile(const std::string& path, int driver,
+                    const std::vector<const TavixFrame*>& frames, std::string& error,
+                    const TavixProgress& progress = {});
 
 // TavixWriteFile into a temporary file beside `path`, renamed over `path`
 // only when the whole write succeeded: a failed or cancelled write leaves

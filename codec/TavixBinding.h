@@ -38,7 +38,7 @@ struct TavixEntryTable {
     int (*loadframe)(void* first, void* second);
     void (*installcallbacks64)(const TavixCallbacks* callbacks);
     int (*open12)(TavixReader* reader, intptr_t stream, const char* path);
-    const TavixAbout* aboutData; // TAVIXabout
+    const TavixAbout* aboutData;   // TAVIXabout
     const TavixBuildInfo* ttfInfo; // TTFinfo
 };
 

@@ -26,7 +26,9 @@ uint32_t readLimit() {
     return static_cast<uint32_t>(atoi(text));
 }
 
-bool sentinelIs(const unsigned char* at, const char* tag) { return memcmp(at, tag, 4) == 0; }
+bool sentinelIs(const unsigned char* at, const char* tag) {
+    return memcmp(at, tag, 4) == 0;
+}
 
 } // namespace
 
@@ -76,11 +78,17 @@ int gfree(void* pointer) {
     return 0;
 }
 
-int32_t galloc_live_count() { return g_live; }
+int32_t galloc_live_count() {
+    return g_live;
+}
 
-void galloc_reload_limit() { g_limit = 0; }
+void galloc_reload_limit() {
+    g_limit = 0;
+}
 
-void gvprintf(const char* format, va_list args) { g_hook(format, args); }
+void gvprintf(const char* format, va_list args) {
+    g_hook(format, args);
+}
 
 void gprintf(const char* format, ...) {
     va_list args;

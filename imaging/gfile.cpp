@@ -78,9 +78,11 @@ int32_t gfwrite(intptr_t handle, const void* buffer, int32_t count) {
 
 int gfseek(intptr_t handle, uint32_t low, int32_t high) {
     int fd = static_cast<int>(handle);
-    off_t offset = static_cast<off_t>((static_cast<uint64_t>(static_cast<uint32_t>(high)) << 32) | low);
+    off_t offset =
+        static_cast<off_t>((static_cast<uint64_t>(static_cast<uint32_t>(high)) << 32) | low);
     if (lseek(fd, offset, SEEK_SET) != static_cast<off_t>(-1)) return 1;
-    return lseek(fd, static_cast<off_t>(static_cast<int32_t>(low)), SEEK_SET) != static_cast<off_t>(-1);
+    return lseek(fd, static_cast<off_t>(static_cast<int32_t>(low)), SEEK_SET) !=
+           static_cast<off_t>(-1);
 }
 
 int64_t gftell(intptr_t handle) {

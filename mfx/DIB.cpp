@@ -71,7 +71,8 @@ int CDIB::GetColorCount() const {
 void CDIB::GetColorTable(int start, int count, CDIBColour* out) const {
     int first = std::clamp(start, 0, kDIBColourTableSize);
     int last = std::clamp(start + std::max(count, 0), first, kDIBColourTableSize);
-    if (out && last > first) memcpy(out + (first - start), m_ColorTable + first, (last - first) * sizeof *out);
+    if (out && last > first)
+        memcpy(out + (first - start), m_ColorTable + first, (last - first) * sizeof *out);
 }
 
 void CDIB::SetColorTable(int start, int count, const CDIBColour* colours) {

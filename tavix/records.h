@@ -116,18 +116,18 @@ constexpr int kTavixAboutSize = 352;
 // extensions, author, version and description; the rest is the library's.
 struct TavixAbout {
     uint32_t formatid;
-    int32_t size;         // the library's: byte size of this record
-    int32_t driverindex;  // the library's: index in the driver table
+    int32_t size;        // the library's: byte size of this record
+    int32_t driverindex; // the library's: index in the driver table
     uint32_t caps;
-    int32_t colourlimit;  // 0 = none
-    int32_t namelimit;    // 0 = none
-    char shortname[16];   // the library's: the name `find` matches
+    int32_t colourlimit; // 0 = none
+    int32_t namelimit;   // 0 = none
+    char shortname[16];  // the library's: the name `find` matches
     char reserved[20];
     char extensions[kTavixMaxExtensions][8]; // ".tga"; the list ends at the first empty one
     char author[32];
     char version[32];
     char description[32];
-    char notes[128];      // the library's: longer remarks (e.g. "experimental")
+    char notes[128]; // the library's: longer remarks (e.g. "experimental")
     char reserved2[4];
 };
 

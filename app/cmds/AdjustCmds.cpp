@@ -12,16 +12,14 @@
 namespace {
 
 // The dialog values last confirmed while the program runs.
-template <typename Data>
-Data& lastValues() {
+template <typename Data> Data& lastValues() {
     static Data data;
     return data;
 }
 
 // Shows `Data`'s dialog starting with the last values, with a preview of
 // the focused image; on OK keeps them.
-template <typename Data>
-bool askValues(Data& out, CTavixDoc* doc, CDialogData::PreviewFn preview) {
+template <typename Data> bool askValues(Data& out, CTavixDoc* doc, CDialogData::PreviewFn preview) {
     Data dialog = lastValues<Data>();
     OfferPreview(dialog, doc, std::move(preview));
     if (!ZyUi().EditDialog(dialog)) return false;
@@ -166,10 +164,9 @@ bool CColorBalanceCmd::Init(CTavixDoc* doc) {
 }
 
 std::unique_ptr<CTavixImage> CColorBalanceCmd::FilterImage(CTavixImage* image) {
-    const ModuleValue values[] = {ModuleValue::ofReal(m_Values.m_Red),
-                                  ModuleValue::ofReal(m_Values.m_Green),
-                                  ModuleValue::ofReal(m_Values.m_Blue),
-                                  ModuleValue::ofReal(m_Values.m_PreserveLuminance)};
+    const ModuleValue values[] = {
+        ModuleValue::ofReal(m_Values.m_Red), ModuleValue::ofReal(m_Values.m_Green),
+        ModuleValue::ofReal(m_Values.m_Blue), ModuleValue::ofReal(m_Values.m_PreserveLuminance)};
     return RunFilter(image, values, 4);
 }
 
@@ -236,8 +233,8 @@ CCreepCmd::CCreepCmd() {
 }
 
 bool CCreepCmd::Init(CTavixDoc* doc) {
-    auto preview = ModulePreview<CCreepDlgData>(
-        "creep", [](const CCreepDlgData& d, const CTavixImage& image) {
+    auto preview =
+        ModulePreview<CCreepDlgData>("creep", [](const CCreepDlgData& d, const CTavixImage& image) {
             return Values(d, currentColourFor(image, kForegroundNumber));
         });
     if (!askValues(m_Values, doc, preview)) return false;
@@ -258,8 +255,8 @@ std::unique_ptr<CTavixImage> CCreepCmd::FilterImage(CTavixImage* image) {
 
 std::vector<CDialogField> CCleanEdgeDlgData::GetFields() {
     return {{"m_NumPixels", CDialogField::Integer, &m_NumPixels, 0, 10, "", "Number of pixels"},
-            {"m_Operation", CDialogField::Choice, &m_Operation, 0, 2,
-             "Spikes and Pits,Spikes,Pits", "Operation"}};
+            {"m_Operation", CDialogField::Choice, &m_Operation, 0, 2, "Spikes and Pits,Spikes,Pits",
+             "Operation"}};
 }
 
 CCleanEdgeCmd::CCleanEdgeCmd() {
@@ -316,8 +313,8 @@ std::unique_ptr<CTavixImage> COutlineCmd::FilterImage(CTavixImage* image) {
     for (int y = 0; y < height && !anyTransparent; ++y)
         for (int x = 0; x < width && !anyTransparent; ++x)
             anyTransparent = (image->GetPixelValue(x, y) >> 24) == 0;
-    const uint32_t key = indexed ? static_cast<uint32_t>(image->GetIndex(0, 0))
-                                 : image->GetPixelValue(0, 0);
+    const uint32_t key =
+        indexed ? static_cast<uint32_t>(image->GetIndex(0, 0)) : image->GetPixelValue(0, 0);
     auto background = [&](int x, int y) {
         if (anyTransparent) return (image->GetPixelValue(x, y) >> 24) == 0;
         return (indexed ? static_cast<uint32_t>(image->GetIndex(x, y))
@@ -348,8 +345,7 @@ std::unique_ptr<CTavixImage> COutlineCmd::FilterImage(CTavixImage* image) {
 
 namespace {
 
-template <typename Cmd>
-void startPlain(CTavixDoc* doc, unsigned) {
+template <typename Cmd> void startPlain(CTavixDoc* doc, unsigned) {
     CCommandInfo::Start(doc, new Cmd, [doc](CCommand* cmd) { return cmd->Init(doc); });
 }
 
@@ -369,21 +365,19 @@ CIdListInfo g_blurInfo({ZyIds::Blur, ZyIds::BlurMore, ZyIds::BlurAmount},
                        amountStarter<CBlurCmd>(ZyIds::BlurAmount, ZyIds::BlurMore, 1.5, 3.0),
                        {"CBlurDlg/m_Amount"});
 CIdListInfo g_sharpenInfo({ZyIds::Sharpen, ZyIds::SharpenMore, ZyIds::SharpenAmount},
-                          amountStarter<CSharpenCmd>(ZyIds::SharpenAmount, ZyIds::SharpenMore,
-                                                     8.0, 5.0),
+                          amountStarter<CSharpenCmd>(ZyIds::SharpenAmount, ZyIds::SharpenMore, 8.0,
+                                                     5.0),
                           {"CSharpenDlg/m_Amount"});
 CIdListInfo g_cbInfo({ZyIds::ContrastBrightness}, startPlain<CCBCmd>, KeysOf<CCBDlgData>());
 CIdListInfo g_hsInfo({ZyIds::HueSaturation}, startPlain<CHSCmd>, KeysOf<CHSDlgData>());
 CIdListInfo g_colorBalanceInfo({ZyIds::ColorBalance}, startPlain<CColorBalanceCmd>);
-CIdListInfo g_greyInfo({ZyIds::Grayscale}, startPlain<CGreyScaleCmd>,
-                       KeysOf<CGreyScaleDlgData>());
+CIdListInfo g_greyInfo({ZyIds::Grayscale}, startPlain<CGreyScaleCmd>, KeysOf<CGreyScaleDlgData>());
 CIdListInfo g_invertInfo({ZyIds::Invert}, startPlain<CInvertCmd>);
 CIdListInfo g_attenuateInfo({ZyIds::PreAttenuate, ZyIds::UnAttenuate},
                             [](CTavixDoc* doc, unsigned nID) {
                                 const int direction = nID == ZyIds::UnAttenuate ? 1 : 0;
                                 CCommandInfo::Start(doc, new CAttenuateCmd, [=](CCommand* cmd) {
-                                    return static_cast<CAttenuateCmd*>(cmd)->Init(doc,
-                                                                                  direction);
+                                    return static_cast<CAttenuateCmd*>(cmd)->Init(doc, direction);
                                 });
                             });
 CIdListInfo g_creepInfo({ZyIds::Creep}, startPlain<CCreepCmd>,

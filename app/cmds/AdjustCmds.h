@@ -13,7 +13,8 @@
 
 // One real amount in a dialog (blur and sharpen "by an exact amount").
 struct CAmountDlgData : CDialogData {
-    CAmountDlgData(const char* name, double low, double high) : m_DlgName(name), m_Low(low), m_High(high) {}
+    CAmountDlgData(const char* name, double low, double high)
+        : m_DlgName(name), m_Low(low), m_High(high) {}
     double m_Amount = 1.0;
     const char* GetDialogName() const override { return m_DlgName; }
     std::vector<CDialogField> GetFields() override {

@@ -201,8 +201,9 @@ bool CColRedCmd::KeepAlpha(bool methodChosen) {
         if (m_Range.IsSelected(i) && m_pDoc->GetImageAt(i)) images.push_back(m_pDoc->GetImageAt(i));
     const CTavixImage* clear = firstTransparent(images);
     if (!clear) return true;
-    const std::string what = "The image '" + clear->GetName() + "' has transparent pixels and the " +
-                             quant_name(m_Method) + " method works on colour alone";
+    const std::string what = "The image '" + clear->GetName() +
+                             "' has transparent pixels and the " + quant_name(m_Method) +
+                             " method works on colour alone";
     if (methodChosen) {
         ZyUi().MessageBox(what + ": choose Tw, 4D Wu or Exact to keep them.", MsgButtons::OK,
                           MsgIcon::Error);

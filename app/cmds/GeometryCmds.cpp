@@ -50,8 +50,7 @@ std::unique_ptr<CTavixImage> CRotateCmd::FilterImage(CTavixImage* image) {
     }
     const TavixInfo* before = image->GetInfo();
     const bool rotated = (before->attributes & kAttrRotated) != 0;
-    std::unique_ptr<CTavixImage> result =
-        turn(m_Module, *image, rotated ? Back : Clockwise);
+    std::unique_ptr<CTavixImage> result = turn(m_Module, *image, rotated ? Back : Clockwise);
     if (!result) return nullptr;
     // The turn is only a way of storing the image: the worksheet keeps
     // showing it where it was, with the points the artist set.
@@ -144,8 +143,8 @@ std::unique_ptr<CTavixImage> CDeInterlaceCmd::FilterImage(CTavixImage* image) {
 
 std::vector<CDialogField> CRotateArbitraryDlgData::GetFields() {
     return {{"m_Angle", CDialogField::Real, &m_Angle, -360, 360, "", "Rotate angle"},
-            {"m_ClockWise", CDialogField::Choice, &m_ClockWise, 0, 1,
-             "Counter Clockwise,Clockwise", "Direction"},
+            {"m_ClockWise", CDialogField::Choice, &m_ClockWise, 0, 1, "Counter Clockwise,Clockwise",
+             "Direction"},
             {"m_Interplolate", CDialogField::Integer, &m_Interplolate, 0, 1, "",
              "Interpolate Transparency"}};
 }
@@ -224,21 +223,20 @@ CIdListInfo g_rotateInfo({ZyIds::Rotate90CW, ZyIds::Rotate180, ZyIds::Rotate90CC
                              });
                          });
 
-template <typename Cmd>
-void startPlain(CTavixDoc* doc, unsigned) {
+template <typename Cmd> void startPlain(CTavixDoc* doc, unsigned) {
     CCommandInfo::Start(doc, new Cmd, [doc](CCommand* cmd) { return cmd->Init(doc); });
 }
 
 CIdListInfo g_transposeInfo({ZyIds::Transpose}, startPlain<CTransposeCmd>);
 CIdListInfo g_deInterlaceInfo({ZyIds::DeInterlace}, startPlain<CDeInterlaceCmd>,
                               KeysOf<CDeInterlaceDlgData>());
-CIdListInfo g_rotateArbitraryInfo({ZyIds::ArbitraryRotate}, startPlain<CRotateArbitraryCmd>,
-                                  KeysOf<CRotateArbitraryDlgData>(
-                                      {"CRotateArbitraryCmd/m_AngleString",
-                                       "CRotateArbitraryCmd/m_ClockWise",
-                                       "CRotateArbitraryCmd/m_Interplolate",
-                                       "CCurrentColours/m_Background",
-                                       "CCurrentColours/m_BackgroundIndex"}));
+CIdListInfo
+    g_rotateArbitraryInfo({ZyIds::ArbitraryRotate}, startPlain<CRotateArbitraryCmd>,
+                          KeysOf<CRotateArbitraryDlgData>({"CRotateArbitraryCmd/m_AngleString",
+                                                           "CRotateArbitraryCmd/m_ClockWise",
+                                                           "CRotateArbitraryCmd/m_Interplolate",
+                                                           "CCurrentColours/m_Background",
+                                                           "CCurrentColours/m_BackgroundIndex"}));
 
 // Column swap is offered even in an empty document (the family's further
 // rule instead of needs-images); with nothing selected it does nothing.

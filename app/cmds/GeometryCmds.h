@@ -69,8 +69,8 @@ class CDeInterlaceCmd : public CUndoableCmd {
 };
 
 struct CRotateArbitraryDlgData : CDialogData {
-    double m_Angle = 0;   // degrees, -360 .. 360
-    int m_ClockWise = 1;  // 1 clockwise, 0 counter-clockwise
+    double m_Angle = 0;  // degrees, -360 .. 360
+    int m_ClockWise = 1; // 1 clockwise, 0 counter-clockwise
     int m_Interplolate = 1;
     const char* GetDialogName() const override { return "CRotateArbitraryDlg"; }
     std::vector<CDialogField> GetFields() override;

@@ -49,8 +49,7 @@ struct CFillColours {
 };
 
 // "Section/key" for every field of `data`, after `extra`.
-template <typename Data>
-std::vector<std::string> KeysOf(std::vector<std::string> extra = {}) {
+template <typename Data> std::vector<std::string> KeysOf(std::vector<std::string> extra = {}) {
     Data data;
     for (const std::string& key : CCommandInfo::DialogKeys(data))
         extra.push_back(key);
@@ -66,6 +65,7 @@ template <typename Data, typename ValuesFn>
 CDialogData::PreviewFn ModulePreview(const char* module, ValuesFn values) {
     return [module, values](const CDialogData& data, const CTavixImage& image) {
         const std::vector<ModuleValue> moduleValues = values(static_cast<const Data&>(data), image);
-        return image.RunModule(module_find(module), moduleValues.data(), static_cast<int>(moduleValues.size()));
+        return image.RunModule(module_find(module), moduleValues.data(),
+                               static_cast<int>(moduleValues.size()));
     };
 }

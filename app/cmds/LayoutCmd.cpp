@@ -198,8 +198,7 @@ std::vector<CDialogField> CLayoutDlgData::GetFields() {
         {"m_CheckUVs", CDialogField::Integer, &m_CheckUVs, 0, 1, "", "Respect Texture Pages"},
         {"m_CheckEdges", CDialogField::Integer, &m_CheckEdges, 0, 1, "",
          "Check Texture Page Edges"},
-        {"m_AllShapes", CDialogField::Integer, &m_AllShapes, 0, 1, "",
-         "Layout all shapes in file"},
+        {"m_AllShapes", CDialogField::Integer, &m_AllShapes, 0, 1, "", "Layout all shapes in file"},
     };
 }
 

@@ -80,8 +80,9 @@ std::unique_ptr<CTavixImage> CLayoutPropertiesCmd::RunPlugin(void* library, CTav
         released = true;
         release(&out);
     } catch (...) {
-        ZyUi().MessageBox("There is an error in the layout library.  Contact the author of the library.",
-                          MsgButtons::OK, MsgIcon::Error);
+        ZyUi().MessageBox(
+            "There is an error in the layout library.  Contact the author of the library.",
+            MsgButtons::OK, MsgIcon::Error);
         result.reset();
         if (!released) try {
                 release(&out);

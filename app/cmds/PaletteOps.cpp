@@ -56,7 +56,8 @@ std::array<uint32_t, 256> usage(const CTavixImage& image) {
     return counts;
 }
 
-std::unique_ptr<CTavixImage> indexedLike(const CTavixImage& source, const TavixColour palette[256]) {
+std::unique_ptr<CTavixImage> indexedLike(const CTavixImage& source,
+                                         const TavixColour palette[256]) {
     // The whole record travels, tail included, so that nothing the file
     // keeps per image is lost with the depth change.
     const size_t bytes = static_cast<size_t>(source.GetInfoSize());

@@ -82,7 +82,8 @@ std::unique_ptr<CTavixImage> CRemapPaletteCmd::FilterImage(CTavixImage* image) {
     bool fits = true;
     for (int i = 0; i < 256; ++i)
         if (used[static_cast<size_t>(i)] && map[i] >= image->GetColorCount()) fits = false;
-    std::unique_ptr<CTavixImage> result = fits ? image->Duplicate() : indexedLike(*image, m_Palette);
+    std::unique_ptr<CTavixImage> result =
+        fits ? image->Duplicate() : indexedLike(*image, m_Palette);
     if (!result) return nullptr;
     if (fits) {
         remapIndices(*result, map);

@@ -16,8 +16,7 @@ constexpr size_t kMaxColorsText = 255;
 
 std::vector<CDialogField> CSetPaletteDlgData::GetFields() {
     return {{"m_ShapeIndex", CDialogField::Integer, &m_ShapeIndex, 0,
-             static_cast<double>(m_ImageCount), "",
-             "Get palette from shape index: (0 = focused)"},
+             static_cast<double>(m_ImageCount), "", "Get palette from shape index: (0 = focused)"},
             {"m_AllColors", CDialogField::Choice, &m_AllColors, 0, 1, "No,Yes", "All Colors"},
             {"m_Colors", CDialogField::Text, &m_Colors, 0, 0, "", "Colors to set:"}};
 }
@@ -40,7 +39,8 @@ bool CSetPaletteCmd::Init(CTavixDoc* doc, int target) {
     std::optional<std::tuple<int, int, std::string>> refused;
     for (;;) {
         if (!ZyUi().EditDialog(dialog)) return false;
-        const auto values = std::make_tuple(dialog.m_ShapeIndex, dialog.m_AllColors, dialog.m_Colors);
+        const auto values =
+            std::make_tuple(dialog.m_ShapeIndex, dialog.m_AllColors, dialog.m_Colors);
         if (refused && *refused == values) return false;
         const CTavixImage* source = dialog.m_ShapeIndex == 0
                                         ? doc->GetFocusImage()
@@ -48,7 +48,8 @@ bool CSetPaletteCmd::Init(CTavixDoc* doc, int target) {
         std::string error;
         Flags entries{};
         if (!source)
-            error = "There is no shape " + std::to_string(dialog.m_ShapeIndex) + " to get the palette from.";
+            error = "There is no shape " + std::to_string(dialog.m_ShapeIndex) +
+                    " to get the palette from.";
         else if (source->GetBitCount() > 8)
             error = "Image to get palette from must be 8 bpp or less";
         else if (dialog.m_AllColors)
@@ -70,8 +71,7 @@ bool CSetPaletteCmd::Init(CTavixDoc* doc, int target) {
     if (target == All) {
         m_Range = CRange(doc->GetImageCount());
         m_Range.SetAll(1);
-    }
-    else
+    } else
         CopySelection();
     Submit();
     return true;

@@ -92,7 +92,8 @@ void CShapePropertiesDlgData::Read(const CTavixImage& image) {
 
 CShapeEdit CShapePropertiesDlgData::Changes(const CShapePropertiesDlgData& before) const {
     CShapeEdit edit;
-    auto text = [](std::optional<std::string>& out, const std::string& now, const std::string& was) {
+    auto text = [](std::optional<std::string>& out, const std::string& now,
+                   const std::string& was) {
         if (now != was) out = now;
     };
     auto number = [](std::optional<int>& out, int now, int was) {

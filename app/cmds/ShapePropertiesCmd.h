@@ -61,10 +61,16 @@ class CShapePropertiesCmd : public CCommand {
     bool Init(CTavixDoc* doc) override;
     // The change to make, known before the command starts (the properties
     // window); Init then asks nothing.
-    void PresetEdit(const CShapeEdit& edit) { m_Edit = edit; m_bPreset = true; }
+    void PresetEdit(const CShapeEdit& edit) {
+        m_Edit = edit;
+        m_bPreset = true;
+    }
     // The images to edit instead of the selection (a centre dragged on the
     // worksheet belongs to one image).
-    void PresetTargets(const CRange& targets) { m_Range = targets; m_bPresetTargets = true; }
+    void PresetTargets(const CRange& targets) {
+        m_Range = targets;
+        m_bPresetTargets = true;
+    }
     void Do() override;
     void Undo() override;
     void Redo() override;

@@ -30,8 +30,7 @@ int truncated(double value) {
 
 std::vector<CDialogField> CImageSizeDlgData::GetFields() {
     return {
-        {"m_Operation", CDialogField::Choice, &m_Operation, 0, 1, "Absolute,Relative",
-         "Operation"},
+        {"m_Operation", CDialogField::Choice, &m_Operation, 0, 1, "Absolute,Relative", "Operation"},
         {"m_Width", CDialogField::Real, &m_Width, -kMaxEntry, kMaxEntry, "", "Width"},
         {"m_WidthUnit", CDialogField::Choice, &m_WidthUnit, 0, 1, "Pixels,Percent", "Width unit"},
         {"m_Height", CDialogField::Real, &m_Height, -kMaxEntry, kMaxEntry, "", "Height"},
@@ -195,8 +194,7 @@ std::vector<CDialogField> CCanvasSizeDlgData::GetFields() {
 std::vector<CDialogField> CEnlargeCanvasDlgData::GetFields() {
     return {{"m_Width", CDialogField::Real, &m_Width, 0, 30000, "", "Width"},
             {"m_Height", CDialogField::Real, &m_Height, 0, 30000, "", "Height"},
-            {"m_Units", CDialogField::Choice, &m_Units, 0, 2, "Pixels,Add Pixels,Percent",
-             "Units"},
+            {"m_Units", CDialogField::Choice, &m_Units, 0, 2, "Pixels,Add Pixels,Percent", "Units"},
             {"m_Anchor", CDialogField::Integer, &m_Anchor, 0, 8, "", "Anchor"}};
 }
 
@@ -311,9 +309,9 @@ std::unique_ptr<CTavixImage> CCanvasSizeCmd::FilterImage(CTavixImage* image) {
     if (w < 1) w = 1;
     if (h < 1) h = 1;
     const uint32_t fill = image->GetInfo()->bufferbpp <= 8 ? m_FillIndex : m_FillArgb;
-    const ModuleValue values[] = {ModuleValue::ofInt(x),         ModuleValue::ofInt(y),
-                                  ModuleValue::ofInt(w),         ModuleValue::ofInt(h),
-                                  ModuleValue::ofUint(fill),     ModuleValue::ofInt(horizontal),
+    const ModuleValue values[] = {ModuleValue::ofInt(x),       ModuleValue::ofInt(y),
+                                  ModuleValue::ofInt(w),       ModuleValue::ofInt(h),
+                                  ModuleValue::ofUint(fill),   ModuleValue::ofInt(horizontal),
                                   ModuleValue::ofInt(vertical)};
     std::unique_ptr<CTavixImage> result = RunFilter(image, values, 7);
     // The kept part of the picture stays where it was on the worksheet.

@@ -25,9 +25,9 @@ struct CImageSizeDlgData : CDialogData {
     int m_WidthUnit = Percent;
     int m_HeightUnit = Percent;
     int m_Constraint = NoConstraint;
-    int m_Filter = 0;          // 0 off, otherwise the "size" filter number plus 1
-    double m_Sharpness = 100;  // shown 0 .. 100; the command keeps 0 .. 1
-    int m_Transparency = 0;    // "Interpolate transparency"
+    int m_Filter = 0;         // 0 off, otherwise the "size" filter number plus 1
+    double m_Sharpness = 100; // shown 0 .. 100; the command keeps 0 .. 1
+    int m_Transparency = 0;   // "Interpolate transparency"
     // The focused image's size, for the conversions and limits; 0 for none.
     int m_CurrentWidth = 0;
     int m_CurrentHeight = 0;

@@ -75,14 +75,14 @@ std::string SortStringError(const std::string& keys) {
                    "descending) can be sorted by.";
         ++letters;
     }
-    if (letters == 0) return "The sort string is empty: name at least one of A, R, G, B, P, H, S, V.";
+    if (letters == 0)
+        return "The sort string is empty: name at least one of A, R, G, B, P, H, S, V.";
     return {};
 }
 
 std::array<uint8_t, 256> PaletteSortOrder(const TavixColour palette[256],
-                                          const std::array<uint32_t, 256>& usage,
-                                          const Flags& mask, int entries,
-                                          const std::string& keys) {
+                                          const std::array<uint32_t, 256>& usage, const Flags& mask,
+                                          int entries, const std::string& keys) {
     std::array<uint8_t, 256> order;
     std::iota(order.begin(), order.end(), 0);
     std::vector<int> places;
@@ -156,7 +156,8 @@ CSortPalInfo::CSortPalInfo() : CCommandInfo(ID_PALETTE_SORT) {
 }
 
 bool CSortPalInfo::IsCommand(unsigned nID) const {
-    return nID == ID_PALETTE_SORT || (nID >= ID_PALETTE_SORT_HSV && nID <= ID_PALETTE_SORT_MOST_USED);
+    return nID == ID_PALETTE_SORT ||
+           (nID >= ID_PALETTE_SORT_HSV && nID <= ID_PALETTE_SORT_MOST_USED);
 }
 
 void CSortPalInfo::OnUpdate(CTavixDoc* doc, CCmdUI* ui) {
@@ -173,9 +174,8 @@ void CSortPalInfo::Create(CTavixDoc* doc, unsigned nID) {
         return;
     }
     const std::string keys = kFixed[nID - ID_PALETTE_SORT_HSV];
-    Start(doc, new CSortPalCmd, [doc, keys](CCommand* cmd) {
-        return static_cast<CSortPalCmd*>(cmd)->Init(doc, keys);
-    });
+    Start(doc, new CSortPalCmd,
+          [doc, keys](CCommand* cmd) { return static_cast<CSortPalCmd*>(cmd)->Init(doc, keys); });
 }
 
 std::vector<std::string> CSortPalInfo::GetSettingKeys() const {

@@ -25,8 +25,8 @@ void CColourSelection::SelectRange(int first, int last, bool selected) {
     last = std::min(last, kSize - 1);
     for (int i = first; i <= last; ++i)
         m_Flags[static_cast<size_t>(i)] = selected ? 1 : 0;
-    m_Count = static_cast<int>(std::count_if(m_Flags.begin(), m_Flags.end(),
-                                             [](uint8_t flag) { return flag != 0; }));
+    m_Count = static_cast<int>(
+        std::count_if(m_Flags.begin(), m_Flags.end(), [](uint8_t flag) { return flag != 0; }));
     Changed();
 }
 
@@ -105,8 +105,8 @@ bool readIndex(const std::string& text, size_t& at, int& value, std::string& err
         error = "'" + text.substr(start, 12) + "' is not a palette index";
         return false;
     }
-    const long number = strtol(text.substr(start, std::min<size_t>(at - start, 6)).c_str(),
-                               nullptr, 10);
+    const long number =
+        strtol(text.substr(start, std::min<size_t>(at - start, 6)).c_str(), nullptr, 10);
     if (at - start > 3 || number > 255) {
         error = "palette index " + text.substr(start, at - start) + " is above 255";
         return false;

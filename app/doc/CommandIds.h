@@ -22,10 +22,10 @@ constexpr unsigned ID_IMAGE_FLIP_HORIZONTAL = 35024; // "Flip Horizontal"
 constexpr unsigned ID_IMAGE_FLIP_VERTICAL = 35025;   // "Flip Vertical"
 
 // ---- The structural list commands, the blend and the clipboard -------------
-constexpr unsigned ID_FILE_REVERT = 35004;          // "Revert"
-constexpr unsigned ID_LIST_DUPLICATE = 35082;       // "Duplicate"
-constexpr unsigned ID_LIST_DELETE = 35083;          // "Delete"
-constexpr unsigned ID_LIST_ADD_NEW_IMAGE = 35084;   // "Add New Image": at the end
+constexpr unsigned ID_FILE_REVERT = 35004;           // "Revert"
+constexpr unsigned ID_LIST_DUPLICATE = 35082;        // "Duplicate"
+constexpr unsigned ID_LIST_DELETE = 35083;           // "Delete"
+constexpr unsigned ID_LIST_ADD_NEW_IMAGE = 35084;    // "Add New Image": at the end
 constexpr unsigned ID_LIST_INSERT_NEW_IMAGE = 35085; // "Insert New Image": after the focused one
 // The ordering items. "Front" is the start of the shape list: the worksheet
 // draws the first image on top.
@@ -44,7 +44,7 @@ constexpr unsigned ID_SPACE_ACROSS = 35284;
 constexpr unsigned ID_SPACE_DOWN = 35285;
 constexpr unsigned ID_CENTER_VERTICAL = 35289;
 constexpr unsigned ID_CENTER_HORIZONTAL = 35290;
-constexpr unsigned ID_LIST_SORT = 35350;            // "Sort Images"
+constexpr unsigned ID_LIST_SORT = 35350; // "Sort Images"
 // The clipboard items are the document's too: Cut and Paste are commands.
 constexpr unsigned ID_EDIT_CUT = 35400;
 constexpr unsigned ID_EDIT_COPY = 35401;
@@ -233,7 +233,7 @@ constexpr unsigned kLastFamilyId = kLastDocCommandId;
 // ---- The palette commands ----------------------------------------------------
 // The palette well's own items lie outside the handler's range and reach the
 // registry directly.
-constexpr unsigned ID_PALETTE_MOVE_COLORS = 33991;     // "Move Colors"
+constexpr unsigned ID_PALETTE_MOVE_COLORS = 33991; // "Move Colors"
 // Entries trade places, pixels keep their indices: the picture changes.
 constexpr unsigned ID_PALETTE_EXCHANGE_COLORS = 33992; // "Exchange Colors"
 // Entries and the pixels using them trade places: the picture stays.

@@ -61,7 +61,8 @@ std::string ConformProblems(const TavixAbout& about, const CTavixImageList& imag
     // "or more" although a name exactly as long as the limit passes: the
     // test and the wording are the program's own.
     if (about.namelimit != 0 && about.namelimit < s.longestName) {
-        snprintf(line, sizeof line, "    - frame names with %d or more characters\n", about.namelimit);
+        snprintf(line, sizeof line, "    - frame names with %d or more characters\n",
+                 about.namelimit);
         lines += line;
     }
     return lines;

@@ -27,8 +27,7 @@ class CFileException : public std::runtime_error, public CException {
         invalidFile = 6,
     };
 
-    explicit CFileException(const std::string& what)
-        : std::runtime_error(what), m_cause(generic) {}
+    explicit CFileException(const std::string& what) : std::runtime_error(what), m_cause(generic) {}
     CFileException(Cause cause, const std::string& fileName)
         : std::runtime_error(Describe(cause, fileName)), m_cause(cause), m_strFileName(fileName) {}
 

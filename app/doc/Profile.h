@@ -12,7 +12,8 @@ class CProfile {
   public:
     virtual ~CProfile() = default;
 
-    virtual int GetInt(const std::string& section, const std::string& entry, int fallback) const = 0;
+    virtual int GetInt(const std::string& section, const std::string& entry,
+                       int fallback) const = 0;
     virtual void WriteInt(const std::string& section, const std::string& entry, int value) = 0;
     virtual std::string GetString(const std::string& section, const std::string& entry,
                                   const std::string& fallback) const = 0;

@@ -117,7 +117,9 @@ class CTavixDoc {
     bool OnCmdMsg(unsigned nID);
     bool OnUpdateCmdUI(CCmdUI* ui);
     // The application's current tool machinery, asked before the handler.
-    void SetToolHandler(std::function<bool(unsigned)> handler) { m_ToolHandler = std::move(handler); }
+    void SetToolHandler(std::function<bool(unsigned)> handler) {
+        m_ToolHandler = std::move(handler);
+    }
 
     // ---- Files --------------------------------------------------------------
     bool OnNewDocument();
@@ -143,7 +145,8 @@ class CTavixDoc {
 
   private:
     std::vector<uint8_t> ModifiedMarks() const;
-    template <typename Fn> bool GuardFile(const std::string& crashLine, const CExceptionDlgTexts& texts, Fn&& fn);
+    template <typename Fn>
+    bool GuardFile(const std::string& crashLine, const CExceptionDlgTexts& texts, Fn&& fn);
 
     int m_nBusy = 0;
     bool m_bOutputWindowShown = false;

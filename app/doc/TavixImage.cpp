@@ -96,7 +96,8 @@ bool CTavixImage::CopyPixels(const CDIB& from) {
 
 void CTavixImage::InstallRecord(const TavixInfo& info) {
     int32_t size = std::max(info.size, kTavixInfoSize);
-    if (size > kTavixMaxInfoSize) throw CInvalidArgException("image record of " + std::to_string(size) + " bytes");
+    if (size > kTavixMaxInfoSize)
+        throw CInvalidArgException("image record of " + std::to_string(size) + " bytes");
     auto words = static_cast<size_t>((size + 3) / 4);
     std::unique_ptr<uint32_t[]> copy(new (std::nothrow) uint32_t[words]);
     if (!copy) throw CMemoryException();
@@ -201,7 +202,8 @@ std::string CTavixImage::GetName() const {
 }
 
 void CTavixImage::SetName(const std::string& name) {
-    if (TavixInfo* info = GetInfoForWrite()) snprintf(info->framename, sizeof info->framename, "%s", name.c_str());
+    if (TavixInfo* info = GetInfoForWrite())
+        snprintf(info->framename, sizeof info->framename, "%s", name.c_str());
 }
 
 void CTavixImage::GetPalette(TavixColour out[256]) const {

@@ -104,7 +104,8 @@ void CUndoableCmd::DoWithProgress() {
         if (m_Module != 0 && m_bCheckFormat && source->GetBitCount() > 8 &&
             !(flags & kAcceptsTrueColour)) {
             result = source->Duplicate();
-            ZyUi().SetStatusText("Could not filter all images because some of them were true color");
+            ZyUi().SetStatusText(
+                "Could not filter all images because some of them were true color");
         } else if (m_Module != 0 && m_bCheckFormat && source->GetBitCount() <= 8 &&
                    !(flags & kAcceptsIndexed)) {
             result = source->Duplicate();

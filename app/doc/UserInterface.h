@@ -67,9 +67,9 @@ class CDialogData {
 // The codec file dialog (open or save) over the codec's file types.
 struct CFileDialogData : CDialogData {
     bool m_Open = true;
-    std::string m_Path;     // in: the starting path; out: the chosen one
-    int m_FileType = 0;     // in: the starting driver; out: the chosen driver
-    int m_FilterIndex = 1;  // in and out: 1-based index in the filter list
+    std::string m_Path;    // in: the starting path; out: the chosen one
+    int m_FileType = 0;    // in: the starting driver; out: the chosen driver
+    int m_FilterIndex = 1; // in and out: 1-based index in the filter list
     const char* GetDialogName() const override { return "CTavixFileDialog"; }
 };
 

@@ -102,10 +102,9 @@ void BuildFieldForm(QDialog& dialog, CDialogData& data) {
     auto commits = std::make_shared<std::vector<std::function<void()>>>();
     CPreviewPane* pane = nullptr;
     if (data.m_Preview && data.m_PreviewSource) {
-        pane = new CPreviewPane(*data.m_PreviewSource,
-                                [&data](const CTavixImage& source) {
-                                    return data.m_Preview(data, source);
-                                });
+        pane = new CPreviewPane(*data.m_PreviewSource, [&data](const CTavixImage& source) {
+            return data.m_Preview(data, source);
+        });
         outer->addWidget(pane);
     }
     // The fields are written into the data at every edit so that the

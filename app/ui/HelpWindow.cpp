@@ -5,7 +5,8 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
-CHelpWindow::CHelpWindow(QWidget* parent) : QWidget(parent, Qt::Window), m_Browser(new QTextBrowser) {
+CHelpWindow::CHelpWindow(QWidget* parent)
+    : QWidget(parent, Qt::Window), m_Browser(new QTextBrowser) {
     setWindowTitle("Zy Documentation");
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -21,6 +22,7 @@ bool CHelpWindow::ShowFile(const QString& path) {
         m_Browser->setPlainText("The manual is not installed: " + path + " cannot be read.");
         return false;
     }
-    m_Browser->setSource(QUrl::fromLocalFile(file.absoluteFilePath()), QTextDocument::MarkdownResource);
+    m_Browser->setSource(QUrl::fromLocalFile(file.absoluteFilePath()),
+                         QTextDocument::MarkdownResource);
     return true;
 }

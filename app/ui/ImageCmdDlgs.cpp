@@ -211,9 +211,9 @@ CEnlargeCanvasDlg::CEnlargeCanvasDlg(CEnlargeCanvasDlgData& data, QWidget* paren
     auto* anchorGrid = new QGridLayout(anchorBox);
     anchorGrid->setSpacing(2);
     auto* group = new QButtonGroup(this);
-    const Qt::ArrowType arrows[9] = {Qt::NoArrow, Qt::UpArrow,   Qt::NoArrow,
-                                     Qt::LeftArrow, Qt::NoArrow, Qt::RightArrow,
-                                     Qt::NoArrow, Qt::DownArrow, Qt::NoArrow};
+    const Qt::ArrowType arrows[9] = {Qt::NoArrow,   Qt::UpArrow,   Qt::NoArrow,
+                                     Qt::LeftArrow, Qt::NoArrow,   Qt::RightArrow,
+                                     Qt::NoArrow,   Qt::DownArrow, Qt::NoArrow};
     for (int i = 0; i < 9; ++i) {
         auto* button = new QToolButton;
         button->setCheckable(true);

@@ -22,7 +22,7 @@ class CImageSizeDlg : public QDialog {
     CImageSizeDlg(CImageSizeDlgData& data, QWidget* parent);
 
   private:
-    void Load();   // data -> controls
+    void Load();    // data -> controls
     void Changed(); // controls -> data, then enable and preview
     void done(int result) override;
 

@@ -312,9 +312,12 @@ void CImageListView::FitNameColumn() {
     const QFontMetrics metrics(font());
     int widest = 0;
     for (int row = 0; row < m_Model->rowCount(); ++row)
-        widest = std::max(widest, metrics.horizontalAdvance(m_Model->data(m_Model->index(row, 0), Qt::DisplayRole).toString()));
+        widest = std::max(widest,
+                          metrics.horizontalAdvance(
+                              m_Model->data(m_Model->index(row, 0), Qt::DisplayRole).toString()));
     // The eye icon, its gap and the cell's margins come before the text.
-    const int wanted = widest + iconSize().width() + 3 * style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 12;
+    const int wanted =
+        widest + iconSize().width() + 3 * style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 12;
     setColumnWidth(0, std::clamp(wanted, kListColumns[0].width, kMaxNameWidth));
 }
 

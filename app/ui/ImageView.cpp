@@ -223,8 +223,8 @@ bool CImageView::SetZoom(double zoom) {
 void CImageView::KeepFocusInView() {
     const int focus = m_Doc->GetFocusIndex();
     if (focus < 0 || focus >= m_Doc->GetImageCount()) return;
-    const QRect image =
-        toQRect(SheetImageRect(CSheetImage::Of(*m_Doc->GetImageAt(focus), false), m_Settings.m_ViewMode, m_Zoom));
+    const QRect image = toQRect(SheetImageRect(CSheetImage::Of(*m_Doc->GetImageAt(focus), false),
+                                               m_Settings.m_ViewMode, m_Zoom));
     const QSize page = viewport()->size();
     const QRect visible(ScrollPosition(), page);
     if (image.isEmpty() || page.isEmpty() || visible.contains(image)) return;
@@ -237,7 +237,8 @@ void CImageView::KeepFocusInView() {
         if (from + length > current + pageLength) return from + length - pageLength;
         return current;
     };
-    horizontalScrollBar()->setValue(start(image.left(), image.width(), page.width(), visible.left()));
+    horizontalScrollBar()->setValue(
+        start(image.left(), image.width(), page.width(), visible.left()));
     verticalScrollBar()->setValue(start(image.top(), image.height(), page.height(), visible.top()));
     InvalidateAll();
 }
@@ -483,8 +484,9 @@ void CImageView::DrawDragOverlay(QPainter& painter) const {
         for (int i = 0; i < m_Doc->GetImageCount(); ++i) {
             if (!m_Doc->GetSelectionModel().IsSelected(i)) continue;
             const CRect r = m_Doc->GetImageAt(i)->GetPlacementRect();
-            painter.drawRect(QRect(FromWorksheet(QPoint(r.left, r.top) + delta),
-                                   FromWorksheet(QPoint(r.right, r.bottom) + delta) - QPoint(1, 1)));
+            painter.drawRect(
+                QRect(FromWorksheet(QPoint(r.left, r.top) + delta),
+                      FromWorksheet(QPoint(r.right, r.bottom) + delta) - QPoint(1, 1)));
         }
     } else {
         const QPoint at = FromWorksheet(m_CurrentWs);

@@ -346,7 +346,8 @@ void CMainFrame::ListDocumentsInWindowMenu() {
         // The first nine take their number as the mnemonic; "&&" keeps a name's own "&".
         QString name = child->Title();
         name.replace('&', "&&");
-        QAction* item = menu->addAction((number <= 9 ? QString("&%1 ").arg(number) : QString("%1 ").arg(number)) + name);
+        QAction* item = menu->addAction(
+            (number <= 9 ? QString("&%1 ").arg(number) : QString("%1 ").arg(number)) + name);
         item->setCheckable(true);
         item->setChecked(child == active);
         connect(item, &QAction::triggered, this, [this, child = QPointer<CChildFrame>(child)] {

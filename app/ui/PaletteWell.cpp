@@ -96,9 +96,9 @@ void CPaletteWellWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), palette().window());
     if (m_Count == 0) {
-        painter.drawText(rect().adjusted(4, 4, -4, -4), Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap,
-                         m_Image ? "The focused image has no palette (true colour)."
-                                 : "No image.");
+        painter.drawText(rect().adjusted(4, 4, -4, -4),
+                         Qt::AlignLeft | Qt::AlignTop | Qt::TextWordWrap,
+                         m_Image ? "The focused image has no palette (true colour)." : "No image.");
         return;
     }
     const CColourSelection& selection = ZyColourSelection();
@@ -151,9 +151,8 @@ void CPaletteWellWidget::mousePressEvent(QMouseEvent* event) {
     const Qt::KeyboardModifiers mods = event->modifiers();
     m_PressIndex = -1;
     if (mods & Qt::ShiftModifier) {
-        std::array<uint8_t, 256> flags = (mods & Qt::ControlModifier)
-                                             ? selection.GetFlags()
-                                             : std::array<uint8_t, 256>{};
+        std::array<uint8_t, 256> flags =
+            (mods & Qt::ControlModifier) ? selection.GetFlags() : std::array<uint8_t, 256>{};
         const int anchor = m_Anchor >= 0 ? m_Anchor : index;
         for (int i = std::min(anchor, index); i <= std::max(anchor, index); ++i)
             flags[static_cast<size_t>(i)] = 1;

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kBox = 160;  // each picture's box, in pixels
+constexpr int kBox = 160; // each picture's box, in pixels
 constexpr int kChecker = 8;
 
 // The picture scaled to fit the box (whole pixels when enlarging, so

@@ -195,7 +195,8 @@ void CPropertiesDock::Load(const CTavixImage* image, int selected) {
         m_HotSpots->setItem(i, 1, new QTableWidgetItem(QString::number(spot.y)));
     }
     if (!m_Comment->hasFocus())
-        m_Comment->setText(QString::fromUtf8(info.comment, static_cast<int>(strnlen(info.comment, sizeof info.comment))));
+        m_Comment->setText(QString::fromUtf8(
+            info.comment, static_cast<int>(strnlen(info.comment, sizeof info.comment))));
     m_SubType->setValue(info.subtype);
     m_Packed->setValue(info.packed);
     m_Start->setValue(info.startcolour);
@@ -241,7 +242,8 @@ void CPropertiesDock::AddHotSpot() {
 }
 
 void CPropertiesDock::RemoveHotSpot() {
-    const int row = m_HotSpots->currentRow() >= 0 ? m_HotSpots->currentRow() : m_HotSpots->rowCount() - 1;
+    const int row =
+        m_HotSpots->currentRow() >= 0 ? m_HotSpots->currentRow() : m_HotSpots->rowCount() - 1;
     if (!m_Image || row < 0) return;
     m_Loading = true;
     m_HotSpots->removeRow(row);

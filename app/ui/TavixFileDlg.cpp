@@ -21,7 +21,8 @@ QString CTavixFileDlg::AllSupported(const TavixFileFilter& filter) {
     return "All supported files (" + patterns.join(' ') + ")";
 }
 
-int CTavixFileDlg::SaveDriver(const std::string& path, const CTavixFileTypesList& rows, int filterDriver) {
+int CTavixFileDlg::SaveDriver(const std::string& path, const CTavixFileTypesList& rows,
+                              int filterDriver) {
     const int typed = rows.DriverOfPath(path);
     return typed >= 0 ? typed : filterDriver;
 }

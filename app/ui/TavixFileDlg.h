@@ -20,7 +20,8 @@ class CTavixFileDlg {
     static QString AllSupported(const TavixFileFilter& filter);
     // The driver that writes a save to `path`: the one owning its extension,
     // else the chosen filter's `filterDriver`.
-    static int SaveDriver(const std::string& path, const CTavixFileTypesList& rows, int filterDriver);
+    static int SaveDriver(const std::string& path, const CTavixFileTypesList& rows,
+                          int filterDriver);
     // The path with the driver's first extension added when it has none
     // (save mode).
     static std::string WithExtension(const std::string& path, const CTavixFileTypesList& rows,

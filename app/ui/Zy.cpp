@@ -62,8 +62,8 @@ bool CZy::CheckDisplay() {
 
 bool CZy::BindCodec() {
     if (!TavixBind()) {
-        m_Ui->MessageBox("Zy cannot run without its codec library:\n\n" + TavixBindError(), MsgButtons::OK,
-                         MsgIcon::Error, "Zy");
+        m_Ui->MessageBox("Zy cannot run without its codec library:\n\n" + TavixBindError(),
+                         MsgButtons::OK, MsgIcon::Error, "Zy");
         return false;
     }
     m_Bound = true;

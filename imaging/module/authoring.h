@@ -153,10 +153,8 @@ int module_plain_open(ModuleInstance** out, int32_t imageCount, const ImageEntry
     return module_open_instance(Decl, out, imageCount, images, valueCount, values);
 }
 
-
 // The entry of a module with the usual describe, open and close.
 template <const ModuleDecl& Decl>
 constexpr ModuleEntry module_entry(ModuleQueryFn query, ModuleProcessFn process) {
     return {module_describer<Decl>, module_plain_open<Decl>, query, process, module_close_instance};
 }
-

@@ -179,7 +179,8 @@ int32_t clampTo(double value, int32_t limit) {
 }
 
 void loadColour(PixelInstance* pixel, uint32_t argb) {
-    for (int c = 0; c < 4; ++c) *pixel->channel[c] = (argb >> (24 - 8 * c)) & 0xFF;
+    for (int c = 0; c < 4; ++c)
+        *pixel->channel[c] = (argb >> (24 - 8 * c)) & 0xFF;
 }
 
 uint32_t paletteArgb(const TavixInfo& info, int index) {
@@ -224,7 +225,8 @@ void sourcePosition(PixelInstance* pixel, const TavixInfo& info, int32_t& sx, in
     *pixel->y = y;
 }
 
-void processTrueColour(PixelInstance* pixel, const ImageEntry& in, uint8_t* pixels, int32_t rowbytes) {
+void processTrueColour(PixelInstance* pixel, const ImageEntry& in, uint8_t* pixels,
+                       int32_t rowbytes) {
     const TavixInfo& info = *in.info;
     for (int32_t y = 0; y < info.height; ++y) {
         uint8_t* row = module_row(pixels, rowbytes, y);
@@ -303,7 +305,8 @@ TavixInfo* query(ModuleInstance* instance, int32_t) {
     if (!module_instance_ok(instance)) return nullptr;
     TavixInfo* result = module_copy_info(instance->images[0].info);
     auto* pixel = reinterpret_cast<PixelInstance*>(instance);
-    if (result && result->bufferbpp <= 8 && hasChannelExpression(pixel)) rewritePalette(pixel, result);
+    if (result && result->bufferbpp <= 8 && hasChannelExpression(pixel))
+        rewritePalette(pixel, result);
     return result;
 }
 
@@ -318,7 +321,8 @@ int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int
     uint8_t* copy = nullptr;
     if (inPlace) {
         int64_t bytes = static_cast<int64_t>(in.rowbytes) * in.info->height;
-        copy = static_cast<uint8_t*>(galloc(static_cast<int32_t>(std::min<int64_t>(bytes, INT32_MAX))));
+        copy = static_cast<uint8_t*>(
+            galloc(static_cast<int32_t>(std::min<int64_t>(bytes, INT32_MAX))));
         if (!copy || bytes > INT32_MAX) {
             if (copy) gfree(copy);
             return 0;

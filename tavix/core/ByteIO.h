@@ -106,10 +106,12 @@ class ByteWriter {
     }
     void zeros(size_t n) { m_out.resize(m_out.size() + n, 0); }
     void alignTo(size_t boundary) {
-        while (m_out.size() % boundary) m_out.push_back(0);
+        while (m_out.size() % boundary)
+            m_out.push_back(0);
     }
     void patch32le(size_t at, uint32_t v) {
-        for (int i = 0; i < 4; ++i) m_out[at + i] = static_cast<uint8_t>(v >> (8 * i));
+        for (int i = 0; i < 4; ++i)
+            m_out[at + i] = static_cast<uint8_t>(v >> (8 * i));
     }
 
   private:

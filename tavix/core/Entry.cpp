@@ -29,7 +29,9 @@ struct WriterState {
     HostPtr<FrameWriter> writer;
 };
 
-const Driver* current() { return driverAt(g_current); }
+const Driver* current() {
+    return driverAt(g_current);
+}
 
 template <typename Result, typename Body> Result guarded(Result onFailure, Body body) {
     try {
@@ -49,7 +51,8 @@ TavixInfo* newInfoRecord(const TavixInfo& info, const Bytes& tail) {
     size_t total = sizeof(TavixInfo) + tail.size();
     auto* record = static_cast<TavixInfo*>(hostAllocate(total));
     memcpy(record, &info, sizeof(TavixInfo));
-    if (!tail.empty()) memcpy(reinterpret_cast<uint8_t*>(record) + sizeof(TavixInfo), tail.data(), tail.size());
+    if (!tail.empty())
+        memcpy(reinterpret_cast<uint8_t*>(record) + sizeof(TavixInfo), tail.data(), tail.size());
     record->size = static_cast<int32_t>(total);
     return record;
 }
@@ -60,7 +63,8 @@ void deliver(const Picture& picture, TavixInfo& info, uint8_t* pixels, int32_t p
              picture.height, info.width, info.height);
     size_t width = static_cast<size_t>(picture.width);
     if (info.bufferbpp <= 8) {
-        if (!picture.indexed) fail("frame %d is true colour and cannot be read as indices", info.frame);
+        if (!picture.indexed)
+            fail("frame %d is true colour and cannot be read as indices", info.frame);
         for (int y = 0; y < picture.height; ++y)
             memcpy(pixels + static_cast<ptrdiff_t>(y) * pitch, &picture.indices[y * width], width);
         memcpy(info.colours, picture.palette, sizeof info.colours);
@@ -72,11 +76,13 @@ void deliver(const Picture& picture, TavixInfo& info, uint8_t* pixels, int32_t p
         return;
     }
     uint32_t colours[256];
-    for (int i = 0; i < 256; ++i) colours[i] = picture.paletteArgb(i);
+    for (int i = 0; i < 256; ++i)
+        colours[i] = picture.paletteArgb(i);
     for (int y = 0; y < picture.height; ++y) {
         auto* row = reinterpret_cast<uint32_t*>(pixels + static_cast<ptrdiff_t>(y) * pitch);
         const uint8_t* from = &picture.indices[y * width];
-        for (size_t x = 0; x < width; ++x) row[x] = colours[from[x]];
+        for (size_t x = 0; x < width; ++x)
+            row[x] = colours[from[x]];
     }
 }
 
@@ -158,7 +164,9 @@ unsigned char TAVIX_init_0() {
 }
 #endif
 
-void TAVIX_restore_0() { g_current = 0; }
+void TAVIX_restore_0() {
+    g_current = 0;
+}
 
 TavixAbout* TAVIX_about_0() {
     return guarded<TavixAbout*>(nullptr, [] {
@@ -256,7 +264,8 @@ unsigned char TAVIX_write_16(TavixWriter handle, const TavixInfo* info, const vo
             fail("more frames written than the %d announced", state->expected);
         if (pitch < static_cast<int64_t>(info->width) * (info->bufferbpp <= 8 ? 1 : 4))
             fail("row pitch %d is too small for a %d pixel wide frame", pitch, info->width);
-        state->writer->add(*info, tailOf(*info), pictureFrom(*info, static_cast<const uint8_t*>(pixels), pitch));
+        state->writer->add(*info, tailOf(*info),
+                           pictureFrom(*info, static_cast<const uint8_t*>(pixels), pitch));
         ++state->written;
         return 1;
     });
@@ -273,7 +282,9 @@ unsigned char TAVIX_wclose_4(TavixWriter handle) {
     });
 }
 
-intptr_t TAVIX_gopenstream_8(void*, void*) { return 0; }
+intptr_t TAVIX_gopenstream_8(void*, void*) {
+    return 0;
+}
 
 intptr_t TAVIX_gopen_8(const char* path, void* /*workarea*/) {
     return guarded<intptr_t>(0, [&]() -> intptr_t {
@@ -296,7 +307,9 @@ void TAVIX_set_4(int driver) {
     if (driverAt(driver)) g_current = driver;
 }
 
-int TAVIX_get_0() { return g_current; }
+int TAVIX_get_0() {
+    return g_current;
+}
 
 // Unknown names answer -1, which no driver index can be mistaken for.
 int TAVIX_find_8(const char* shortname, int) {
@@ -306,16 +319,24 @@ int TAVIX_find_8(const char* shortname, int) {
     return -1;
 }
 
-int TAVIX_count_0() { return driverCount(); }
+int TAVIX_count_0() {
+    return driverCount();
+}
 
 void TAVIX_freebitmap_4(void*) {}
 
-int TAVIX_loadframe_8(void*, void*) { return 0; }
+int TAVIX_loadframe_8(void*, void*) {
+    return 0;
+}
 
-void TAVIX_installcallbacks64_4(const TavixCallbacks* callbacks) { installHost(callbacks); }
+void TAVIX_installcallbacks64_4(const TavixCallbacks* callbacks) {
+    installHost(callbacks);
+}
 
 // Not part of the entry table: lets the program route the library's
 // messages to its own output window.
-void TAVIX_installprint_4(void (*hook)(const char* text)) { installPrintHook(hook); }
+void TAVIX_installprint_4(void (*hook)(const char* text)) {
+    installPrintHook(hook);
+}
 
 } // extern "C"

@@ -19,7 +19,9 @@ intptr_t plainOpenWrite(const char* path) {
     int fd = open(path, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     return fd <= 0 ? 0 : fd;
 }
-int plainClose(intptr_t s) { return s == 0 || close(static_cast<int>(s)) == 0; }
+int plainClose(intptr_t s) {
+    return s == 0 || close(static_cast<int>(s)) == 0;
+}
 int32_t plainRead(intptr_t s, void* b, int32_t n) {
     return static_cast<int32_t>(read(static_cast<int>(s), b, static_cast<size_t>(n)));
 }
@@ -30,27 +32,33 @@ int plainSeek(intptr_t s, uint32_t low, int32_t high) {
     off_t at = static_cast<off_t>((static_cast<uint64_t>(static_cast<uint32_t>(high)) << 32) | low);
     return lseek(static_cast<int>(s), at, SEEK_SET) >= 0;
 }
-int64_t plainTell(intptr_t s) { return lseek(static_cast<int>(s), 0, SEEK_CUR); }
+int64_t plainTell(intptr_t s) {
+    return lseek(static_cast<int>(s), 0, SEEK_CUR);
+}
 int64_t plainSize(intptr_t s) {
     off_t at = lseek(static_cast<int>(s), 0, SEEK_CUR);
     off_t end = lseek(static_cast<int>(s), 0, SEEK_END);
     lseek(static_cast<int>(s), at, SEEK_SET);
     return end < 0 ? 0 : end;
 }
-void* plainAlloc(int32_t n) { return n > 0 ? malloc(static_cast<size_t>(n)) : nullptr; }
+void* plainAlloc(int32_t n) {
+    return n > 0 ? malloc(static_cast<size_t>(n)) : nullptr;
+}
 int plainFree(void* p) {
     free(p);
     return 1;
 }
 
-TavixCallbacks g_host = {plainOpenRead, plainOpenWrite, plainClose, plainRead, plainWrite,
+TavixCallbacks g_host = {plainOpenRead, plainOpenWrite, plainClose, plainRead,  plainWrite,
                          plainSeek,     plainSize,      plainTell,  plainAlloc, plainFree};
 
 void (*g_printHook)(const char*) = nullptr;
 
 } // namespace
 
-const TavixCallbacks& host() { return g_host; }
+const TavixCallbacks& host() {
+    return g_host;
+}
 
 void installHost(const TavixCallbacks* callbacks) {
     if (callbacks) g_host = *callbacks;
@@ -69,7 +77,9 @@ void hostRelease(void* block) noexcept {
     if (block) g_host.free(block);
 }
 
-void installPrintHook(void (*hook)(const char*)) { g_printHook = hook; }
+void installPrintHook(void (*hook)(const char*)) {
+    g_printHook = hook;
+}
 
 void report(const char* format, ...) {
     char text[1024];

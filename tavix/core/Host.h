@@ -19,7 +19,7 @@ namespace tavix {
 const TavixCallbacks& host();
 void installHost(const TavixCallbacks* callbacks);
 
-void* hostAllocate(size_t bytes);          // throws std::bad_alloc
+void* hostAllocate(size_t bytes); // throws std::bad_alloc
 void hostRelease(void* block) noexcept;
 
 // One line (or several) for the user, through the host's print hook.

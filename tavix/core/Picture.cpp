@@ -5,7 +5,8 @@
 namespace tavix {
 
 size_t checkedPixelCount(int64_t width, int64_t height) {
-    if (width <= 0 || height <= 0) fail("bad image size %lld x %lld", (long long)width, (long long)height);
+    if (width <= 0 || height <= 0)
+        fail("bad image size %lld x %lld", (long long)width, (long long)height);
     if (width > kMaxPixels || height > kMaxPixels || width * height > kMaxPixels)
         fail("image size %lld x %lld is too large", (long long)width, (long long)height);
     return static_cast<size_t>(width * height);

@@ -22,12 +22,12 @@ struct Picture {
     int32_t width = 0;
     int32_t height = 0;
     bool indexed = false;
-    Bytes indices;           // width * height when indexed
-    Words argb;              // width * height otherwise
+    Bytes indices; // width * height when indexed
+    Words argb;    // width * height otherwise
     TavixColour palette[256] = {};
     int32_t numcolours = 0;
 
-    void makeIndexed(int32_t w, int32_t h);  // sizes and zero-fills
+    void makeIndexed(int32_t w, int32_t h); // sizes and zero-fills
     void makeTrueColour(int32_t w, int32_t h);
     uint32_t paletteArgb(int index) const;
     void setPaletteArgb(int index, uint32_t argb);

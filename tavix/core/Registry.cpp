@@ -20,7 +20,9 @@ const Driver* const kDrivers[] = {&kFshDriver, &kSshDriver, &kXshDriver, &kGshDr
                                   &kTgaDriver, &kPngDriver, &kBmpDriver, &kTvxDriver};
 } // namespace
 
-int driverCount() { return static_cast<int>(std::size(kDrivers)); }
+int driverCount() {
+    return static_cast<int>(std::size(kDrivers));
+}
 
 const Driver* driverAt(int index) {
     return index >= 0 && index < driverCount() ? kDrivers[index] : nullptr;

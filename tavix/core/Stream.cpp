@@ -93,7 +93,8 @@ Bytes readHead(intptr_t stream, size_t limit) {
 
 Bytes readWhole(intptr_t stream) {
     int64_t size = host().size(stream);
-    if (size < 0 || size > kMaxFileBytes) fail("the file is too large (%lld bytes)", (long long)size);
+    if (size < 0 || size > kMaxFileBytes)
+        fail("the file is too large (%lld bytes)", (long long)size);
     rewind(stream);
     Bytes bytes(static_cast<size_t>(size));
     size_t got = readInto(stream, bytes.data(), bytes.size());
@@ -111,10 +112,16 @@ void writeBlock(intptr_t stream, const uint8_t* data, size_t count) {
     }
 }
 
-void writeWhole(intptr_t stream, const Bytes& bytes) { writeBlock(stream, bytes.data(), bytes.size()); }
+void writeWhole(intptr_t stream, const Bytes& bytes) {
+    writeBlock(stream, bytes.data(), bytes.size());
+}
 
-HostPtr<Source> streamSource(intptr_t stream) { return makeHost<StreamSource>(stream); }
+HostPtr<Source> streamSource(intptr_t stream) {
+    return makeHost<StreamSource>(stream);
+}
 
-HostPtr<Source> memorySource(Bytes&& file) { return makeHost<MemorySource>(std::move(file)); }
+HostPtr<Source> memorySource(Bytes&& file) {
+    return makeHost<MemorySource>(std::move(file));
+}
 
 } // namespace tavix

@@ -290,7 +290,8 @@ class PngReader : public FrameReader {
         Picture p;
         for (int i = 0; i < j.paletteSize; ++i) {
             uint32_t alpha = i < j.transSize ? j.trans[i] : 255;
-            p.setPaletteArgb(i, packArgb(alpha, j.palette[i].red, j.palette[i].green, j.palette[i].blue));
+            p.setPaletteArgb(
+                i, packArgb(alpha, j.palette[i].red, j.palette[i].green, j.palette[i].blue));
         }
         memcpy(colours, p.palette, sizeof p.palette);
     }
@@ -375,7 +376,8 @@ class PngReader : public FrameReader {
             if constexpr (std::endian::native != std::endian::little) {
                 // The rows hold bytes B, G, R, A; make them words.
                 for (size_t y = 0; y < j.height; ++y) {
-                    auto* row = reinterpret_cast<uint32_t*>(pixels + static_cast<ptrdiff_t>(y) * pitch);
+                    auto* row =
+                        reinterpret_cast<uint32_t*>(pixels + static_cast<ptrdiff_t>(y) * pitch);
                     for (size_t x = 0; x < j.width; ++x) {
                         const auto* p = reinterpret_cast<const uint8_t*>(&row[x]);
                         row[x] = packArgb(p[3], p[2], p[1], p[0]);

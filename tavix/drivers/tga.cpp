@@ -424,7 +424,8 @@ class TgaReader : public FrameReader {
             m_alphaBits = anyAlpha ? 8 : 0;
             if (!anyAlpha)
                 for (size_t y = 0; y < h.height; ++y) {
-                    auto* row = reinterpret_cast<uint32_t*>(pixels + static_cast<ptrdiff_t>(y) * pitch);
+                    auto* row =
+                        reinterpret_cast<uint32_t*>(pixels + static_cast<ptrdiff_t>(y) * pitch);
                     makeOpaque(row, width);
                 }
         }

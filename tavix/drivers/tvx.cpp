@@ -32,8 +32,10 @@ class TvxReader : public FrameReader {
         ByteReader in(m_file.data(), m_file.size());
         if (memcmp(in.take(4), "TVX1", 4) != 0) fail("not a Tavix Images file");
         uint32_t count = in.u32le();
-        if (count > in.remaining() / (kTavixInfoSize + 12)) fail("frame count %u does not fit the file", count);
-        for (uint32_t i = 0; i < count; ++i) m_frames.push_back(parseFrame(in, i));
+        if (count > in.remaining() / (kTavixInfoSize + 12))
+            fail("frame count %u does not fit the file", count);
+        for (uint32_t i = 0; i < count; ++i)
+            m_frames.push_back(parseFrame(in, i));
     }
 
     int frameCount() const override { return static_cast<int>(m_frames.size()); }
@@ -41,7 +43,8 @@ class TvxReader : public FrameReader {
     void describe(int frame, TavixInfo& info, Bytes& tail) override {
         const StoredFrame& f = m_frames[frame];
         memcpy(&info, &m_file[f.record], sizeof info);
-        tail.assign(m_file.begin() + f.record + sizeof info, m_file.begin() + f.record + f.recordSize);
+        tail.assign(m_file.begin() + f.record + sizeof info,
+                    m_file.begin() + f.record + f.recordSize);
     }
 
     void decode(int frame, Picture& out) override {
@@ -105,7 +108,8 @@ class TvxWriter : public FrameWriter {
             m_out.bytes(picture.indices.data(), picture.indices.size());
         } else {
             m_out.u32le(static_cast<uint32_t>(picture.argb.size() * 4));
-            for (uint32_t word : picture.argb) m_out.u32le(word);
+            for (uint32_t word : picture.argb)
+                m_out.u32le(word);
         }
     }
 
@@ -124,8 +128,8 @@ class TvxWriter : public FrameWriter {
 
 void about(TavixAbout& about) {
     fillAbout(about, kTvxId, "tvx",
-              kCapRead | kCapWrite | kCapPalette | kCapTrueColour | kCapMultiImage | kCapStartColour |
-                  kCapAttributeBits,
+              kCapRead | kCapWrite | kCapPalette | kCapTrueColour | kCapMultiImage |
+                  kCapStartColour | kCapAttributeBits,
               {".tvx"}, "Tavix Images");
     copyText(about.notes, sizeof about.notes, "Lossless; keeps every field of every frame");
 }
@@ -135,9 +139,13 @@ DetectScore detect(std::span<const uint8_t> head, const char* path) {
     return hasExtension(path, ".tvx") ? kByName : kNotMine;
 }
 
-HostPtr<FrameReader> open(Bytes&& file) { return makeHost<TvxReader>(std::move(file)); }
+HostPtr<FrameReader> open(Bytes&& file) {
+    return makeHost<TvxReader>(std::move(file));
+}
 
-HostPtr<FrameWriter> create(int) { return makeHost<TvxWriter>(); }
+HostPtr<FrameWriter> create(int) {
+    return makeHost<TvxWriter>();
+}
 
 } // namespace
 

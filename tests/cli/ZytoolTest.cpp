@@ -133,7 +133,8 @@ TEST_F(Zytool, InfoListsFramesWhosePixelsAreDamaged) {
         std::vector<uint8_t> bytes = readBytes(path);
         if (std::string(c.driver) == "png") {
             // Overwrite the deflated data inside IDAT (its checksum then fails too).
-            auto at = std::search(bytes.begin(), bytes.end(), std::begin("IDAT"), std::end("IDAT") - 1);
+            auto at =
+                std::search(bytes.begin(), bytes.end(), std::begin("IDAT"), std::end("IDAT") - 1);
             ASSERT_NE(at, bytes.end());
             std::fill(at + 4, at + 12, uint8_t{0xFF});
         } else {
@@ -145,7 +146,8 @@ TEST_F(Zytool, InfoListsFramesWhosePixelsAreDamaged) {
         EXPECT_EQ(info.status, 0) << info.err;
         EXPECT_NE(info.out.find("1 frame"), std::string::npos) << info.out;
         EXPECT_NE(info.out.find(c.geometry), std::string::npos) << info.out;
-        ToolRun convert = zytool("convert " + path + " " + (m_folder / "out.tvx").string(), m_folder);
+        ToolRun convert =
+            zytool("convert " + path + " " + (m_folder / "out.tvx").string(), m_folder);
         EXPECT_NE(convert.status, 0) << "the damaged pixels must not read";
     }
 }
@@ -163,7 +165,8 @@ TEST_F(Zytool, TargaAlphaIsSettledByThePixelsInEveryReadingMode) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.alphabits);
-        std::vector<uint8_t> bytes = {0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 1, 0, 32, 0x20,
+        std::vector<uint8_t> bytes = {0,    0,    2,    0,          0, 0, 0, 0,         0,
+                                      0,    0,    0,    2,          0, 1, 0, 32,        0x20,
                                       0x30, 0x20, 0x10, c.alpha[0], 1, 2, 3, c.alpha[1]};
         std::string path = (m_folder / "alpha.tga").string();
         writeBytes(path, bytes);
@@ -228,7 +231,8 @@ TEST_F(Zytool, ErrorsGoToStandardErrorWithAFailingExit) {
 TEST_F(Zytool, InfoOnAFileThatDoesNotReadNamesTheReasonOnWholeLines) {
     const std::string plain = writeFrames("plain.tvx", twoFrames());
     std::vector<TavixFrame> five;
-    for (int i = 0; i < 5; ++i) five.push_back(makeFrame(16, 16, 32, ("img" + std::to_string(i)).c_str()));
+    for (int i = 0; i < 5; ++i)
+        five.push_back(makeFrame(16, 16, 32, ("img" + std::to_string(i)).c_str()));
     const std::string cut = writeFrames("cut.fsh", std::move(five), "newfsh");
     std::filesystem::resize_file(cut, std::filesystem::file_size(cut) - 200);
     const std::string junk = (m_folder / "junk.fsh").string();
@@ -238,7 +242,7 @@ TEST_F(Zytool, InfoOnAFileThatDoesNotReadNamesTheReasonOnWholeLines) {
     }
     struct Case {
         std::string path;
-        const char* reason; // the end of standard error's first zytool line
+        const char* reason;  // the end of standard error's first zytool line
         const char* listing; // the start of standard output; "" for none
     } cases[] = {
         {(m_folder / "missing.fsh").string(), ": No such file or directory\n", ""},
@@ -391,9 +395,11 @@ TEST_F(Zytool, RunRefusesATypedExpressionHandle) {
     std::string out = (m_folder / "o.tvx").string();
     for (const char* handle : {"1", "12345", "-1", "0x7fff0000", "abc"}) {
         SCOPED_TRACE(handle);
-        ToolRun run = zytool(std::string("run Pixel ") + handle + " '' g " + in + " " + out, m_folder);
+        ToolRun run =
+            zytool(std::string("run Pixel ") + handle + " '' g " + in + " " + out, m_folder);
         EXPECT_EQ(run.status, 1) << run.err;
-        EXPECT_NE(run.err.find("'Expression Handle' is for programs only; give 0 here\n"), std::string::npos)
+        EXPECT_NE(run.err.find("'Expression Handle' is for programs only; give 0 here\n"),
+                  std::string::npos)
             << run.err;
         EXPECT_FALSE(std::filesystem::exists(out));
     }
@@ -709,16 +715,15 @@ TEST_F(ZytoolCommand, LayoutAndMipMapsTakeTheirDialogValues) {
                 << info.framename;
         rows.emplace_back(info.defaulty, info.defaulty + info.height);
     }
-    ToolRun tooWide = zytool("command LayoutWizard --set CLayoutDlg/m_Platform=99 " + in + " " +
-                                 out("x.fsh"),
-                             m_folder);
+    ToolRun tooWide = zytool(
+        "command LayoutWizard --set CLayoutDlg/m_Platform=99 " + in + " " + out("x.fsh"), m_folder);
     EXPECT_NE(tooWide.status, 0);
     EXPECT_FALSE(std::filesystem::exists(out("x.fsh")));
 
     // Two levels asked after the first image only; its height of 3 halves once (3x1).
-    ToolRun mips = zytool(
-        "command CreateMipMaps --select 0 --set CMipMapDlg/m_Count=2 " + in + " " + out(),
-        m_folder);
+    ToolRun mips =
+        zytool("command CreateMipMaps --select 0 --set CMipMapDlg/m_Count=2 " + in + " " + out(),
+               m_folder);
     ASSERT_EQ(mips.status, 0) << mips.err;
     TavixReadResult back = TavixReadFile(out());
     ASSERT_EQ(back.frames.size(), 4u);
@@ -776,8 +781,7 @@ TEST_F(ZytoolCommand, ColourReductionThroughFormatItemsAndTheWizard) {
                 << c.arguments;
             const bool same =
                 memcmp(back.frames[0].info->colours, back.frames[1].info->colours, 1024) == 0;
-            EXPECT_EQ(same, c.sharedPalette)
-                << c.arguments;
+            EXPECT_EQ(same, c.sharedPalette) << c.arguments;
         }
     }
     struct Refusal {
@@ -833,19 +837,23 @@ TEST_F(Zytool, RunTakesTheSecondImageOfTwoImageModules) {
     }
     ToolRun psnr = zytool("run Blend psnr " + in + " " + out + " --second " + in, m_folder);
     ASSERT_EQ(psnr.status, 0) << psnr.err;
-    EXPECT_NE(psnr.out.find("frame 1: psnr 128.00 dB, luminance 128.00 dB; so far 128.00 dB"), std::string::npos)
+    EXPECT_NE(psnr.out.find("frame 1: psnr 128.00 dB, luminance 128.00 dB; so far 128.00 dB"),
+              std::string::npos)
         << psnr.out;
     std::vector<TavixFrame> three;
-    for (int i = 0; i < 3; ++i) three.push_back(makeFrame(2, 2, 32));
+    for (int i = 0; i < 3; ++i)
+        three.push_back(makeFrame(2, 2, 32));
     std::string wrong = writeFrames("three.tvx", std::move(three));
     ToolRun mismatch = zytool("run Blend " + in + " " + out + " --second " + wrong, m_folder);
     EXPECT_NE(mismatch.status, 0);
-    EXPECT_NE(mismatch.err.find("--second needs one frame or as many frames"), std::string::npos) << mismatch.err;
+    EXPECT_NE(mismatch.err.find("--second needs one frame or as many frames"), std::string::npos)
+        << mismatch.err;
     ToolRun same = zytool("run Psnr " + in + " " + out + " --second " + in, m_folder);
     ASSERT_EQ(same.status, 0) << same.err;
     EXPECT_NE(same.err.find("Psnr - 4 x 3: R inf G inf B inf A inf RGB inf dB"), std::string::npos)
         << same.err;
-    ToolRun single = zytool("run Flip Horizontal " + in + " " + out + " --second " + second, m_folder);
+    ToolRun single =
+        zytool("run Flip Horizontal " + in + " " + out + " --second " + second, m_folder);
     EXPECT_NE(single.err.find("takes one image"), std::string::npos) << single.err;
 }
 
@@ -858,7 +866,8 @@ TEST_F(ZytoolCommand, PaletteCommandsTakeColoursAndDialogsFromTheCommandLine) {
     const TavixReadResult source = TavixReadFile(in);
     const TavixInfo& info0 = *source.frames[0].info;
     auto colourAt = [](const TavixFrame& frame, int x, int y) {
-        const TavixColour& c = frame.info->colours[frame.pixels[static_cast<size_t>(y * frame.pitch + x)]];
+        const TavixColour& c =
+            frame.info->colours[frame.pixels[static_cast<size_t>(y * frame.pitch + x)]];
         return static_cast<uint32_t>(c.alpha) << 24 | c.red << 16 | c.green << 8 | c.blue;
     };
     auto picture = [&](const TavixFrame& frame) {
@@ -871,8 +880,8 @@ TEST_F(ZytoolCommand, PaletteCommandsTakeColoursAndDialogsFromTheCommandLine) {
     struct Case {
         std::string arguments;
         bool pictureKept;
-        int entry;          // an entry of the result
-        int fromEntry;      // the source entry it holds
+        int entry;     // an entry of the result
+        int fromEntry; // the source entry it holds
     };
     const Case cases[] = {
         {"SwapColors --colors 3,5", true, 3, 5},
@@ -885,9 +894,11 @@ TEST_F(ZytoolCommand, PaletteCommandsTakeColoursAndDialogsFromTheCommandLine) {
         ToolRun run = zytool("command " + c.arguments + " " + in + " " + out("p.tvx"), m_folder);
         ASSERT_EQ(run.status, 0) << c.arguments << ": " << run.err;
         const TavixReadResult back = TavixReadFile(out("p.tvx"));
-        EXPECT_EQ(picture(back.frames[0]) == picture(source.frames[0]), c.pictureKept) << c.arguments;
+        EXPECT_EQ(picture(back.frames[0]) == picture(source.frames[0]), c.pictureKept)
+            << c.arguments;
         if (c.entry >= 0) {
-            EXPECT_EQ(memcmp(&back.frames[0].info->colours[c.entry], &info0.colours[c.fromEntry], 4), 0)
+            EXPECT_EQ(
+                memcmp(&back.frames[0].info->colours[c.entry], &info0.colours[c.fromEntry], 4), 0)
                 << c.arguments;
         }
     }
@@ -895,7 +906,8 @@ TEST_F(ZytoolCommand, PaletteCommandsTakeColoursAndDialogsFromTheCommandLine) {
     EXPECT_EQ(keys.out, "CSwapColorCmd/m_Index1\nCSwapColorCmd/m_Index2\nCSwapColorDlg/m_Index1\n"
                         "CSwapColorDlg/m_Index2\n");
     ToolRun bad = zytool("command SwapColors --colors 3,300 " + in + " " + out("x.tvx"), m_folder);
-    EXPECT_NE(bad.err.find("--colors: palette index 300 is above 255"), std::string::npos) << bad.err;
+    EXPECT_NE(bad.err.find("--colors: palette index 300 is above 255"), std::string::npos)
+        << bad.err;
     ToolRun none = zytool("command MoveColors " + in + " " + out("x.tvx"), m_folder);
     EXPECT_NE(none.err.find("not available"), std::string::npos) << none.err;
     ToolRun named = zytool("command NamedPalette " + in + " " + out("n.tvx"), m_folder);

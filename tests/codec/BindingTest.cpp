@@ -28,7 +28,8 @@ class Binding : public ::testing::Test {
 TEST_F(Binding, FillsEveryEntryOfTheRealLibrary) {
     const TavixEntryTable& table = TavixTable();
     auto* slots = reinterpret_cast<void* const*>(&table);
-    for (int i = 0; i < 21; ++i) EXPECT_NE(slots[i], nullptr) << kTavixExportNames[i];
+    for (int i = 0; i < 21; ++i)
+        EXPECT_NE(slots[i], nullptr) << kTavixExportNames[i];
     ASSERT_NE(table.aboutData, nullptr);
     EXPECT_NE(table.ttfInfo, nullptr);
     EXPECT_STREQ(TavixLibraryAbout()->shortname, "tavix");
@@ -64,7 +65,8 @@ TEST_F(Binding, RoundTripKeepsEveryFieldThroughTavixImages) {
     {
         std::string error;
         std::string path = (folder / "deep/er/frames.tvx").string();
-        ASSERT_TRUE(TavixWriteFile(path, TavixFind("tvx"), {&indexed, &truecolour}, error)) << error;
+        ASSERT_TRUE(TavixWriteFile(path, TavixFind("tvx"), {&indexed, &truecolour}, error))
+            << error;
         TavixReadResult back = TavixReadFile(path);
         ASSERT_TRUE(back.ok) << back.error;
         EXPECT_EQ(back.driver, TavixFind("tvx"));
@@ -73,7 +75,8 @@ TEST_F(Binding, RoundTripKeepsEveryFieldThroughTavixImages) {
             const TavixFrame& original = i == 0 ? indexed : truecolour;
             TavixInfo expected = *original.info;
             expected.frame = i;
-            EXPECT_EQ(memcmp(back.frames[i].info.get(), &expected, sizeof expected), 0) << "frame " << i;
+            EXPECT_EQ(memcmp(back.frames[i].info.get(), &expected, sizeof expected), 0)
+                << "frame " << i;
             EXPECT_EQ(argbPixels(back.frames[i]), argbPixels(original));
         }
     }

@@ -33,7 +33,8 @@ TavixFrame makeFrame(int width, int height, int bufferbpp, const char* name) {
         info.numcolours = 256;
         for (int i = 0; i < 256; ++i)
             info.colours[i] = {static_cast<uint8_t>(i), static_cast<uint8_t>(255 - i),
-                               static_cast<uint8_t>(i * 7), static_cast<uint8_t>(i < 16 ? i * 16 : 255)};
+                               static_cast<uint8_t>(i * 7),
+                               static_cast<uint8_t>(i < 16 ? i * 16 : 255)};
     }
     for (int y = 0; y < height; ++y) {
         uint8_t* row = frame.pixels.data() + static_cast<size_t>(y) * frame.pitch;
@@ -59,7 +60,8 @@ std::vector<uint32_t> argbPixels(const TavixFrame& frame) {
         for (int x = 0; x < info.width; ++x) {
             if (info.bufferbpp <= 8) {
                 const TavixColour& c = info.colours[row[x]];
-                out.push_back(static_cast<uint32_t>(c.alpha) << 24 | c.red << 16 | c.green << 8 | c.blue);
+                out.push_back(static_cast<uint32_t>(c.alpha) << 24 | c.red << 16 | c.green << 8 |
+                              c.blue);
             } else {
                 uint32_t argb;
                 memcpy(&argb, row + 4 * x, 4);

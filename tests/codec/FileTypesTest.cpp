@@ -11,7 +11,8 @@ TavixAbout driver(const char* description, std::initializer_list<const char*> ex
     TavixAbout about{};
     strcpy(about.description, description);
     int i = 0;
-    for (const char* extension : extensions) strcpy(about.extensions[i++], extension);
+    for (const char* extension : extensions)
+        strcpy(about.extensions[i++], extension);
     return about;
 }
 
@@ -23,12 +24,12 @@ CTavixFileTypesList rowsOf(std::initializer_list<TavixAbout> drivers) {
 }
 
 TEST(FileTypes, OneRowPerExtensionSortedByteWise) {
-    CTavixFileTypesList rows =
-        rowsOf({driver("Targa", {".tga", ".TGA"}), driver("None", {}), driver("PNG", {".png"}),
-                driver("Bitmap", {".bmp"})});
+    CTavixFileTypesList rows = rowsOf({driver("Targa", {".tga", ".TGA"}), driver("None", {}),
+                                       driver("PNG", {".png"}), driver("Bitmap", {".bmp"})});
     ASSERT_EQ(rows.GetCount(), 4);
     const char* expected[] = {"TGA", "bmp", "png", "tga"};
-    for (int i = 0; i < 4; ++i) EXPECT_STREQ(rows[i].extension, expected[i]);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_STREQ(rows[i].extension, expected[i]);
     EXPECT_EQ(rows[0].driver, 0);
     EXPECT_EQ(rows[2].driver, 2);
     EXPECT_STREQ(rows[1].description, "Bitmap");
@@ -57,27 +58,27 @@ class FileFilter : public ::testing::TestWithParam<FilterCase> {};
 
 // Rows after sorting: 1 bmp (driver 2), 2 fsh (0), 3 png (1), 4 shp (0).
 const CTavixFileTypesList& sampleRows() {
-    static CTavixFileTypesList rows = rowsOf(
-        {driver("FSH - PC Shape File", {".fsh", ".shp"}), driver("PNG", {".png"}), driver("Bitmap", {".bmp"})});
+    static CTavixFileTypesList rows = rowsOf({driver("FSH - PC Shape File", {".fsh", ".shp"}),
+                                              driver("PNG", {".png"}), driver("Bitmap", {".bmp"})});
     return rows;
 }
 
 TEST_P(FileFilter, ChoosesTheInitialEntry) {
     const FilterCase& c = GetParam();
-    TavixFileFilter filter = TavixBuildFileFilter(sampleRows(), c.openMode, c.initialPath, c.initialDriver);
+    TavixFileFilter filter =
+        TavixBuildFileFilter(sampleRows(), c.openMode, c.initialPath, c.initialDriver);
     EXPECT_EQ(filter.initialIndex, c.expectedIndex);
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Rules, FileFilter,
-    ::testing::Values(
-        FilterCase{"ExtensionWins", true, "/a/b.png", 0, 3},
-        FilterCase{"ExtensionEndsTheSearch", false, "x.fsh", 0, 2},
-        FilterCase{"LastDriverRowBeforeAMatchWins", false, "x.none", 0, 4},
-        FilterCase{"NothingMatchesOpen", true, "x.abc", -1, 5},
-        FilterCase{"NothingMatchesSave", false, "x.abc", -1, 1},
-        FilterCase{"NoExtensionUsesDriver", true, "folder/file", 2, 1},
-        FilterCase{"ExtensionIsAfterTheLastDot", true, "a.png.bmp", -1, 1}),
+    ::testing::Values(FilterCase{"ExtensionWins", true, "/a/b.png", 0, 3},
+                      FilterCase{"ExtensionEndsTheSearch", false, "x.fsh", 0, 2},
+                      FilterCase{"LastDriverRowBeforeAMatchWins", false, "x.none", 0, 4},
+                      FilterCase{"NothingMatchesOpen", true, "x.abc", -1, 5},
+                      FilterCase{"NothingMatchesSave", false, "x.abc", -1, 1},
+                      FilterCase{"NoExtensionUsesDriver", true, "folder/file", 2, 1},
+                      FilterCase{"ExtensionIsAfterTheLastDot", true, "a.png.bmp", -1, 1}),
     [](const auto& info) { return std::string(info.param.label); });
 
 TEST(FileFilterEntries, TextsPatternsAndAllFiles) {

@@ -23,7 +23,8 @@ void writeTvx(const std::string& path, const std::vector<const TavixFrame*>& fra
 void writeMixedTvx(const std::string& path, int count) {
     std::vector<TavixFrame> frames;
     for (int i = 0; i < count; ++i)
-        frames.push_back(makeFrame(5 + i, 3 + i, i % 2 ? 32 : 8, ("img" + std::to_string(i)).c_str()));
+        frames.push_back(
+            makeFrame(5 + i, 3 + i, i % 2 ? 32 : 8, ("img" + std::to_string(i)).c_str()));
     std::vector<const TavixFrame*> pointers;
     for (const TavixFrame& frame : frames)
         pointers.push_back(&frame);
@@ -60,7 +61,8 @@ void RecordingView::OnUpdate(CView*, long, CObject* hint) {
     if (!hint)
         hints.push_back("all");
     else if (auto* insert = dynamic_cast<CInsertHint*>(hint))
-        hints.push_back("insert " + std::to_string(insert->m_First) + " " + std::to_string(insert->m_Count));
+        hints.push_back("insert " + std::to_string(insert->m_First) + " " +
+                        std::to_string(insert->m_Count));
     else if (auto* modified = dynamic_cast<CModifiedHint*>(hint))
         hints.push_back("modified " + bits(modified->m_Range));
     else if (auto* removed = dynamic_cast<CDeleteHint*>(hint))

@@ -47,7 +47,8 @@ TEST_F(DocumentTest, InsertPlacesAfterTheGivenIndex) {
         int index;
         const char* order;
         int position;
-    } cases[] = {{-1, "xabc", 0}, {0, "axbc", 1}, {1, "abxc", 2}, {2, "abcx", 3}, {3, "abcx", 3}, {99, "abcx", 3}};
+    } cases[] = {{-1, "xabc", 0}, {0, "axbc", 1}, {1, "abxc", 2},
+                 {2, "abcx", 3},  {3, "abcx", 3}, {99, "abcx", 3}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.index);
         CTavixDoc fresh;
@@ -142,7 +143,8 @@ TEST_F(DocumentTest, HintsReachEveryViewButTheSender) {
     CInsertHint inserted(2, 4);
     for (CObject* hint : std::initializer_list<CObject*>{&state, &options, &removed, &inserted})
         doc.UpdateAllViews(nullptr, 0, hint);
-    EXPECT_EQ(view.hints, (std::vector<std::string>{"state", "options", "delete 010", "insert 2 4"}));
+    EXPECT_EQ(view.hints,
+              (std::vector<std::string>{"state", "options", "delete 010", "insert 2 4"}));
     EXPECT_EQ(other.hints.size(), 1u);
     EXPECT_EQ(state.m_State, 0);
     EXPECT_THROW(CModifiedHint(3, 3), CInvalidArgException);

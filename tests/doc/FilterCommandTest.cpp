@@ -90,7 +90,8 @@ void expectMirrored(const CTavixImage& flipped, const CTavixImage& source) {
     const int w = source.GetWidth();
     for (int y = 0; y < source.GetHeight(); ++y)
         for (int x = 0; x < w; ++x)
-            ASSERT_EQ(flipped.GetPixelValue(x, y), source.GetPixelValue(w - 1 - x, y)) << x << "," << y;
+            ASSERT_EQ(flipped.GetPixelValue(x, y), source.GetPixelValue(w - 1 - x, y))
+                << x << "," << y;
 }
 
 } // namespace
@@ -191,8 +192,9 @@ TEST_F(FilterTest, FormatCheckCopiesImagesTheModuleCannotTake) {
     select("11000"); // an 8-bit and a 32-bit image
     const DocSnapshot before = snapshot(doc);
     doc.OnCmdMsg(kIndexedOnlyId);
-    EXPECT_EQ(model.ui.statusLines,
-              std::vector<std::string>{"Could not filter all images because some of them were indexed"});
+    EXPECT_EQ(
+        model.ui.statusLines,
+        std::vector<std::string>{"Could not filter all images because some of them were indexed"});
     const DocSnapshot after = snapshot(doc);
     EXPECT_NE(after.objects[0], before.objects[0]);
     EXPECT_EQ(after.contents[0], before.contents[0]);

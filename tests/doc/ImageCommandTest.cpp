@@ -52,8 +52,7 @@ class ImageCmdTest : public ::testing::Test {
             frames.push_back(makeFrame(5 + i, 3 + i, i % 2 ? 32 : 8));
         open(frames);
     }
-    template <typename Cmd>
-    Cmd* current() {
+    template <typename Cmd> Cmd* current() {
         return dynamic_cast<Cmd*>(doc.GetCommandHandler().GetCurrent());
     }
     int submits() { return doc.GetCommandHandler().GetSubmitCount(); }
@@ -448,17 +447,26 @@ struct UndoCase {
 
 TEST_F(ImageCmdTest, EveryCommandUndoesExactly) {
     const UndoCase cases[] = {
-        {ZyIds::Rotate90CW, "Rotate"},        {ZyIds::RotateToggle, "Rotate"},
-        {ZyIds::Transpose, "Transpose"},      {ZyIds::ColumnSwap, "Column Swap"},
-        {ZyIds::DeInterlace, "De-Interlace"}, {ZyIds::ArbitraryRotate, "Arbitrary Rotate"},
-        {ZyIds::ImageSize, "Resize"},         {ZyIds::CanvasSize, "Crop"},
-        {ZyIds::ShrinkToFit, "Crop"},         {ZyIds::EnlargeCanvas, "Crop"},
-        {ZyIds::BlurAmount, "Blur"},          {ZyIds::SharpenAmount, "Sharpen"},
+        {ZyIds::Rotate90CW, "Rotate"},
+        {ZyIds::RotateToggle, "Rotate"},
+        {ZyIds::Transpose, "Transpose"},
+        {ZyIds::ColumnSwap, "Column Swap"},
+        {ZyIds::DeInterlace, "De-Interlace"},
+        {ZyIds::ArbitraryRotate, "Arbitrary Rotate"},
+        {ZyIds::ImageSize, "Resize"},
+        {ZyIds::CanvasSize, "Crop"},
+        {ZyIds::ShrinkToFit, "Crop"},
+        {ZyIds::EnlargeCanvas, "Crop"},
+        {ZyIds::BlurAmount, "Blur"},
+        {ZyIds::SharpenAmount, "Sharpen"},
         {ZyIds::ContrastBrightness, "Contrast/Brightness"},
         {ZyIds::HueSaturation, "Hue/Saturation"},
-        {ZyIds::Grayscale, "Grey Scale"},     {ZyIds::Invert, "Invert"},
-        {ZyIds::PreAttenuate, "Attenuation"}, {ZyIds::UnAttenuate, "Attenuation"},
-        {ZyIds::Creep, "Creep"},              {ZyIds::CleanEdges, "Clean Edges"},
+        {ZyIds::Grayscale, "Grey Scale"},
+        {ZyIds::Invert, "Invert"},
+        {ZyIds::PreAttenuate, "Attenuation"},
+        {ZyIds::UnAttenuate, "Attenuation"},
+        {ZyIds::Creep, "Creep"},
+        {ZyIds::CleanEdges, "Clean Edges"},
         {ZyIds::Outline, "Outline"},
     };
     for (const UndoCase& c : cases) {
@@ -477,8 +485,8 @@ TEST_F(ImageCmdTest, EveryCommandUndoesExactly) {
 
 TEST_F(ImageCmdTest, ItemsNeedImagesExceptColumnSwap) {
     CTavixDoc empty;
-    const unsigned ids[] = {ZyIds::Rotate90CW, ZyIds::ImageSize, ZyIds::Blur, ZyIds::Outline,
-                            ZyIds::EnlargeCanvas, ZyIds::Invert};
+    const unsigned ids[] = {ZyIds::Rotate90CW, ZyIds::ImageSize,     ZyIds::Blur,
+                            ZyIds::Outline,    ZyIds::EnlargeCanvas, ZyIds::Invert};
     for (unsigned id : ids) {
         CCmdUI item(id);
         empty.OnUpdateCmdUI(&item);
@@ -505,7 +513,11 @@ TEST_F(ImageCmdTest, OutlineColoursTheDirectNeighboursOfTheContent) {
             const uint32_t v = image(0).GetPixelValue(x, y);
             picture += v == red ? 'R' : v == 0xFF0000FF ? 'o' : '.';
         }
-    EXPECT_EQ(picture, ".....""..o.."".oRo.""..o.."".....");
+    EXPECT_EQ(picture, "....."
+                       "..o.."
+                       ".oRo."
+                       "..o.."
+                       ".....");
 }
 
 } // namespace

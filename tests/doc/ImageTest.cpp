@@ -98,7 +98,8 @@ TEST(ImageRecord, CreateWithDepth8InstallsTheGaudyPalette) {
     struct {
         int index;
         uint8_t blue, green, red;
-    } expected[] = {{0, 0, 0, 0}, {1, 177, 2, 3}, {80, 0, 160, 240}, {100, 208, 200, 44}, {255, 81, 254, 253}};
+    } expected[] = {
+        {0, 0, 0, 0}, {1, 177, 2, 3}, {80, 0, 160, 240}, {100, 208, 200, 44}, {255, 81, 254, 253}};
     for (const auto& e : expected) {
         SCOPED_TRACE(e.index);
         EXPECT_EQ(info.colours[e.index].blue, e.blue);
@@ -256,14 +257,15 @@ TEST_P(HotSpotText, ScanStoresPairsUpToTheEndOfText) {
         EXPECT_EQ(image.GetHotSpot(static_cast<int>(i)), GetParam().spots[i]) << i;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Texts, HotSpotText,
-    ::testing::Values(HotSpotCase{"1,2 ; 3,4", {{1, 2}, {3, 4}}}, HotSpotCase{"", {}},
-                      HotSpotCase{"-5,6", {{-5, 6}}}, HotSpotCase{"1,2 ;", {{1, 2}}},
-                      // A segment without numbers repeats the previous pair.
-                      HotSpotCase{"7,8;;9,10", {{7, 8}, {7, 8}, {9, 10}}},
-                      HotSpotCase{"7,8; x ;9,10", {{7, 8}, {7, 8}, {9, 10}}},
-                      HotSpotCase{"abc", {{0, 0}}}, HotSpotCase{"5", {{5, 0}}}));
+INSTANTIATE_TEST_SUITE_P(Texts, HotSpotText,
+                         ::testing::Values(HotSpotCase{"1,2 ; 3,4", {{1, 2}, {3, 4}}},
+                                           HotSpotCase{"", {}}, HotSpotCase{"-5,6", {{-5, 6}}},
+                                           HotSpotCase{"1,2 ;", {{1, 2}}},
+                                           // A segment without numbers repeats the previous pair.
+                                           HotSpotCase{"7,8;;9,10", {{7, 8}, {7, 8}, {9, 10}}},
+                                           HotSpotCase{"7,8; x ;9,10", {{7, 8}, {7, 8}, {9, 10}}},
+                                           HotSpotCase{"abc", {{0, 0}}},
+                                           HotSpotCase{"5", {{5, 0}}}));
 
 TEST(HotSpots, TextIsLimitedTo1024PairsAndFormatsBack) {
     ScopedModel model;

@@ -264,8 +264,9 @@ TEST_F(LayoutPluginTest, IncompleteOrThrowingPluginsLeaveIdenticalCopies) {
         EXPECT_NE(after.objects, before.objects) << c.file;
         ASSERT_EQ(model.ui.messages.size(), c.messages) << c.file;
         for (const ShownMessage& m : model.ui.messages)
-            EXPECT_EQ(m.text,
-                      "There is an error in the layout library.  Contact the author of the library.");
+            EXPECT_EQ(
+                m.text,
+                "There is an error in the layout library.  Contact the author of the library.");
         EXPECT_TRUE(doc.GetCommandHandler().HasUndoableCommand());
         EXPECT_TRUE(model.ui.exceptionDialogs.empty());
     }

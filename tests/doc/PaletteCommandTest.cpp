@@ -109,8 +109,15 @@ TEST_F(PaletteTest, SwapAndExchangeTradeTwoEntries) {
         {"two selected, swap", ID_PALETTE_SWAP_COLORS, {2, 13}, 0, 0, false, 2, 13, true},
         {"two selected, exchange", ID_PALETTE_EXCHANGE_COLORS, {2, 13}, 0, 0, false, 2, 13, false},
         {"none selected asks", ID_PALETTE_SWAP_COLORS, {}, 8, 3, true, 8, 3, true},
-        {"three selected asks, lowest and highest offered", ID_PALETTE_EXCHANGE_COLORS,
-         {3, 5, 9}, -1, -1, true, 3, 9, false},
+        {"three selected asks, lowest and highest offered",
+         ID_PALETTE_EXCHANGE_COLORS,
+         {3, 5, 9},
+         -1,
+         -1,
+         true,
+         3,
+         9,
+         false},
         {"same index twice, swap", ID_PALETTE_SWAP_COLORS, {}, 7, 7, true, 7, 7, true},
         {"same index twice, exchange", ID_PALETTE_EXCHANGE_COLORS, {}, 7, 7, true, 7, 7, true},
     };
@@ -247,8 +254,16 @@ TEST_F(PaletteTest, RemapFindsTheNearestCandidateLowestIndexFirst) {
     const RemapCase cases[] = {
         {"tie, exact", ID_IMAGE_REMAP_PALETTE_BETTER, {}, 0xFF848484u, 3},
         {"tie, table", ID_IMAGE_REMAP_PALETTE, {}, 0xFF848484u, 3},
-        {"tie, only the higher a candidate", ID_IMAGE_REMAP_PALETTE_BETTER, {7, 200}, 0xFF848484u, 7},
-        {"one selected is as none: all are candidates", ID_IMAGE_REMAP_PALETTE_BETTER, {7}, 0xFF848484u, 3},
+        {"tie, only the higher a candidate",
+         ID_IMAGE_REMAP_PALETTE_BETTER,
+         {7, 200},
+         0xFF848484u,
+         7},
+        {"one selected is as none: all are candidates",
+         ID_IMAGE_REMAP_PALETTE_BETTER,
+         {7},
+         0xFF848484u,
+         3},
         // The table keys by the top five bits: 0x06 falls with black.
         {"low bits, exact", ID_IMAGE_REMAP_PALETTE_BETTER, {}, 0xFF060606u, 9},
         {"low bits, table", ID_IMAGE_REMAP_PALETTE, {}, 0xFF060606u, 0},
@@ -300,17 +315,23 @@ std::vector<uint32_t> usageByIndex(const CTavixImage& image) {
 TEST_F(PaletteTest, SortKeepsThePictureAndOrdersByTheKeys) {
     struct SortCase {
         unsigned id;
-        const char* dialogText; // for 25240
+        const char* dialogText;                                              // for 25240
         std::function<bool(uint32_t, uint32_t, uint32_t, uint32_t)> inOrder; // a, b colours, counts
     };
     auto red = [](uint32_t c) { return c >> 16 & 0xFF; };
     const SortCase cases[] = {
-        {ID_PALETTE_SORT_LEAST_USED, "", [](uint32_t, uint32_t, uint32_t ca, uint32_t cb) { return ca <= cb; }},
-        {ID_PALETTE_SORT_MOST_USED, "", [](uint32_t, uint32_t, uint32_t ca, uint32_t cb) { return ca >= cb; }},
-        {ID_PALETTE_SORT_RGB, "", [&](uint32_t a, uint32_t b, uint32_t, uint32_t) { return red(a) <= red(b); }},
-        {ID_PALETTE_SORT, "r", [&](uint32_t a, uint32_t b, uint32_t, uint32_t) { return red(a) >= red(b); }},
-        {ID_PALETTE_SORT, " a G", [](uint32_t a, uint32_t b, uint32_t, uint32_t) {
-             return (a >> 24) > (b >> 24) || ((a >> 24) == (b >> 24) && (a >> 8 & 0xFF) <= (b >> 8 & 0xFF));
+        {ID_PALETTE_SORT_LEAST_USED, "",
+         [](uint32_t, uint32_t, uint32_t ca, uint32_t cb) { return ca <= cb; }},
+        {ID_PALETTE_SORT_MOST_USED, "",
+         [](uint32_t, uint32_t, uint32_t ca, uint32_t cb) { return ca >= cb; }},
+        {ID_PALETTE_SORT_RGB, "",
+         [&](uint32_t a, uint32_t b, uint32_t, uint32_t) { return red(a) <= red(b); }},
+        {ID_PALETTE_SORT, "r",
+         [&](uint32_t a, uint32_t b, uint32_t, uint32_t) { return red(a) >= red(b); }},
+        {ID_PALETTE_SORT, " a G",
+         [](uint32_t a, uint32_t b, uint32_t, uint32_t) {
+             return (a >> 24) > (b >> 24) ||
+                    ((a >> 24) == (b >> 24) && (a >> 8 & 0xFF) <= (b >> 8 & 0xFF));
          }},
     };
     for (const SortCase& c : cases) {
@@ -386,7 +407,8 @@ TEST_F(PaletteTest, BadSortStringsAreRefusedWithTheReason) {
         run(ID_PALETTE_SORT);
         ASSERT_EQ(model.ui.messages.size(), 1u) << text;
         const std::string& shown = model.ui.messages[0].text;
-        EXPECT_NE(shown.find(text[0] == 'H' ? "holds 'X'" : "is empty"), std::string::npos) << shown;
+        EXPECT_NE(shown.find(text[0] == 'H' ? "holds 'X'" : "is empty"), std::string::npos)
+            << shown;
     }
     EXPECT_EQ(doc.GetCommandHandler().GetSubmitCount(), 0);
 }
@@ -518,10 +540,10 @@ TEST(ColourSelection, ListsParseAndPrintAsRanges) {
         bool ok;
         const char* printed;
     };
-    const Case cases[] = {{"", true, ""},          {"3", true, "3"},
-                          {"5-3, 9 10", true, "3-5,9-10"}, {"0-255", true, "0-255"},
-                          {"256", false, ""},      {"1-", false, ""},
-                          {"a", false, ""},        {"4,", false, ""}};
+    const Case cases[] = {
+        {"", true, ""},           {"3", true, "3"},   {"5-3, 9 10", true, "3-5,9-10"},
+        {"0-255", true, "0-255"}, {"256", false, ""}, {"1-", false, ""},
+        {"a", false, ""},         {"4,", false, ""}};
     for (const Case& c : cases) {
         CColourSelection selection;
         EXPECT_EQ(selection.FromText(c.text), c.ok) << c.text;

@@ -25,7 +25,11 @@ TEST(Progress, CountTextFollowsEveryPositionChange) {
         const char* count;
     } steps[] = {{[&] { dlg.SetPos(15); }, "15/20"},
                  {[&] { dlg.OffsetPos(2); }, "17/20"},
-                 {[&] { dlg.SetStep(3); dlg.StepIt(); }, "20/20"},
+                 {[&] {
+                      dlg.SetStep(3);
+                      dlg.StepIt();
+                  },
+                  "20/20"},
                  {[&] { dlg.StepIt(); }, "23/20"}};
     for (auto& step : steps) {
         step.change();

@@ -21,7 +21,8 @@ class ShapePropertiesTest : public ::testing::Test {
     void SetUp() override {
         bindBuiltLibrary();
         for (int i = 0; i < 3; ++i) {
-            TavixFrame frame = makeFrame(4 + i, 3, i == 1 ? 32 : 8, ("img" + std::to_string(i)).c_str());
+            TavixFrame frame =
+                makeFrame(4 + i, 3, i == 1 ? 32 : 8, ("img" + std::to_string(i)).c_str());
             frame.info->centerx = 10 * i;
             frame.info->centery = 20 * i;
             frame.info->attributes = i == 2 ? static_cast<uint32_t>(kAttrRotated) : 0u;

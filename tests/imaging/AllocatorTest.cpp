@@ -64,7 +64,8 @@ TEST_F(Allocator, RejectsSizesOfZeroAndBelow) {
 TEST_F(Allocator, LimitCountsLiveBlocksNotCalls) {
     limitTo("3");
     void* blocks[3];
-    for (void*& block : blocks) ASSERT_NE(block = galloc(8), nullptr);
+    for (void*& block : blocks)
+        ASSERT_NE(block = galloc(8), nullptr);
     EXPECT_EQ(galloc(8), nullptr);
     EXPECT_EQ(g_printed, "galloc - ERROR, PURPOSELY FAILING ON GALLOC COUNT 3, SIZE 8\n");
     gfree(blocks[0]);
@@ -164,7 +165,8 @@ TEST_F(FileHelpers, SeekTellAndSizeAgree) {
     std::string path = (m_root / "data.bin").string();
     intptr_t out = gfopenwrite(path.c_str());
     char bytes[100];
-    for (int i = 0; i < 100; ++i) bytes[i] = static_cast<char>(i);
+    for (int i = 0; i < 100; ++i)
+        bytes[i] = static_cast<char>(i);
     gfwrite(out, bytes, 100);
     gfclose(out);
 

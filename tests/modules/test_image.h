@@ -70,7 +70,6 @@ struct TestImage {
     }
 };
 
-
 // Base fixture: every test must hand back every block it took.
 class ModuleTest : public ::testing::Test {
   protected:

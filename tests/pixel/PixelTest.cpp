@@ -28,11 +28,14 @@ struct Image {
         pixels.assign(static_cast<size_t>(rowbytes) * height, 0);
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x) {
-                if (bpp == 8) row(y)[x] = static_cast<uint8_t>(x + 10 * y);
-                else set(x, y, 0x80000000u | (x * 20) << 16 | (y * 30) << 8 | (x + y));
+                if (bpp == 8)
+                    row(y)[x] = static_cast<uint8_t>(x + 10 * y);
+                else
+                    set(x, y, 0x80000000u | (x * 20) << 16 | (y * 30) << 8 | (x + y));
             }
         if (bpp == 8)
-            for (int i = 0; i < 256; ++i) info.colours[i] = {uint8_t(i), uint8_t(i / 2), uint8_t(255 - i), 255};
+            for (int i = 0; i < 256; ++i)
+                info.colours[i] = {uint8_t(i), uint8_t(i / 2), uint8_t(255 - i), 255};
     }
     uint8_t* row(int y) { return pixels.data() + static_cast<size_t>(y) * rowbytes; }
     uint32_t at(int x, int y) const {
@@ -60,16 +63,20 @@ class PixelModule : public ::testing::Test {
     void TearDown() override { EXPECT_EQ(galloc_live_count(), m_live); }
 
     // Slot 0 is the handle; texts fill slots 1.. (nullptr for none).
-    bool run(const Image& in, std::vector<const char*> texts, Image& out, ExprContext* handle = nullptr) {
+    bool run(const Image& in, std::vector<const char*> texts, Image& out,
+             ExprContext* handle = nullptr) {
         std::vector<ModuleValue> values{ModuleValue::ofPointer(handle)};
-        for (const char* text : texts) values.push_back(ModuleValue::ofPointer(text));
+        for (const char* text : texts)
+            values.push_back(ModuleValue::ofPointer(text));
         ImageEntry entry = in.entry();
         ModuleResult result{};
-        if (!module_run_new(m_index, 1, &entry, static_cast<int32_t>(values.size()), values.data(), 4, &result))
+        if (!module_run_new(m_index, 1, &entry, static_cast<int32_t>(values.size()), values.data(),
+                            4, &result))
             return false;
         out.info = *result.info;
         out.rowbytes = result.rowbytes;
-        out.pixels.assign(result.pixels, result.pixels + static_cast<size_t>(result.rowbytes) * result.info->height);
+        out.pixels.assign(result.pixels, result.pixels + static_cast<size_t>(result.rowbytes) *
+                                                             result.info->height);
         module_result_free(&result);
         return true;
     }
@@ -93,7 +100,8 @@ TEST_F(PixelModule, ChannelsClampRoundAndSeeTheOriginalValues) {
     in.set(0, 0, 0x10203040);
     // Every channel expression reads the loaded values, not a neighbour's result.
     ASSERT_TRUE(run(in, {"300", "-4", "r + 0.5", "b * 1.6"}, out));
-    EXPECT_EQ(out.at(0, 0), 0xFF002166u) << "alpha clamps to 255, red to 0, 0x20 + 0.5 rounds up, 0x40 * 1.6 = 102.4";
+    EXPECT_EQ(out.at(0, 0), 0xFF002166u)
+        << "alpha clamps to 255, red to 0, 0x20 + 0.5 rounds up, 0x40 * 1.6 = 102.4";
 }
 
 TEST_F(PixelModule, LaterChannelsSeeAssignedVariablesButTheSourcePixel) {
@@ -109,7 +117,9 @@ TEST_F(PixelModule, PositionAndImageVariables) {
     in.info.centerx = 2;
     in.info.numhotspots = 1;
     in.info.hotspots[0] = {3, 1};
-    ASSERT_TRUE(run(in, {"255", "x * 10 + y", "width * 10 + height", "centerx + hot0x + ispal + a_width"}, out));
+    ASSERT_TRUE(
+        run(in, {"255", "x * 10 + y", "width * 10 + height", "centerx + hot0x + ispal + a_width"},
+            out));
     EXPECT_EQ(out.at(3, 2), 0xFF202B09u); // 32, 43, 2 + 3 + 0 + 4
     EXPECT_EQ(out.at(1, 0), 0xFF0A2B09u);
 }
@@ -117,7 +127,8 @@ TEST_F(PixelModule, PositionAndImageVariables) {
 TEST_F(PixelModule, XAndYExpressionsChooseTheSourcePixel) {
     Image in(5, 4, 32), out(1, 1, 32);
     ASSERT_TRUE(run(in, {nullptr, nullptr, nullptr, nullptr, nullptr, "width - 1 - x", "99"}, out));
-    for (int x = 0; x < 5; ++x) EXPECT_EQ(out.at(x, 0), in.at(4 - x, 3)) << "mirrored, and y clamped to the last row";
+    for (int x = 0; x < 5; ++x)
+        EXPECT_EQ(out.at(x, 0), in.at(4 - x, 3)) << "mirrored, and y clamped to the last row";
 }
 
 TEST_F(PixelModule, IndexedImagesKeepTheirPaletteUnlessAsked) {
@@ -146,12 +157,15 @@ TEST_F(PixelModule, CallersContextCarriesStateAcrossImages) {
 TEST_F(PixelModule, RunsInPlace) {
     Image in(4, 2, 32);
     Image before = in;
-    std::vector<ModuleValue> values{ModuleValue::ofPointer(nullptr), ModuleValue::ofPointer(nullptr),
-                                    ModuleValue::ofPointer(nullptr), ModuleValue::ofPointer(nullptr),
-                                    ModuleValue::ofPointer(nullptr), ModuleValue::ofPointer(nullptr),
-                                    ModuleValue::ofPointer("width - 1 - x")};
-    ASSERT_TRUE(module_run_in_place(m_index, &in.info, in.pixels.data(), in.rowbytes, 7, values.data()));
-    for (int x = 0; x < 4; ++x) EXPECT_EQ(in.at(x, 1), before.at(3 - x, 1));
+    std::vector<ModuleValue> values{
+        ModuleValue::ofPointer(nullptr),        ModuleValue::ofPointer(nullptr),
+        ModuleValue::ofPointer(nullptr),        ModuleValue::ofPointer(nullptr),
+        ModuleValue::ofPointer(nullptr),        ModuleValue::ofPointer(nullptr),
+        ModuleValue::ofPointer("width - 1 - x")};
+    ASSERT_TRUE(
+        module_run_in_place(m_index, &in.info, in.pixels.data(), in.rowbytes, 7, values.data()));
+    for (int x = 0; x < 4; ++x)
+        EXPECT_EQ(in.at(x, 1), before.at(3 - x, 1));
 }
 
 TEST_F(PixelModule, BadExpressionsFailTheOpenCleanly) {

@@ -92,8 +92,9 @@ void checkDirectDecode(const Driver& driver, Bytes&& file, const TavixInfo& info
     if (!reader->decodeInto(0, request, rows.data(), pitch)) return;
     for (size_t y = 0; y < height; ++y) {
         const uint8_t* row = rows.data() + y * static_cast<size_t>(pitch);
-        const void* expected = picture.indexed ? static_cast<const void*>(&picture.indices[y * width])
-                                               : static_cast<const void*>(&picture.argb[y * width]);
+        const void* expected = picture.indexed
+                                   ? static_cast<const void*>(&picture.indices[y * width])
+                                   : static_cast<const void*>(&picture.argb[y * width]);
         if (memcmp(row, expected, width * bytes) != 0) finding("direct decoding gave other pixels");
         for (size_t i = width * bytes; i < static_cast<size_t>(pitch); ++i)
             if (row[i] != 0xAB) finding("direct decoding wrote past the row");

@@ -31,7 +31,9 @@ std::vector<uint8_t> validFile(const TempFolder& folder) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-void put32(std::vector<uint8_t>& bytes, size_t at, uint32_t value) { memcpy(&bytes[at], &value, 4); }
+void put32(std::vector<uint8_t>& bytes, size_t at, uint32_t value) {
+    memcpy(&bytes[at], &value, 4);
+}
 
 TEST(TvxReader, EveryTruncationFailsCleanly) {
     TempFolder folder;
@@ -46,7 +48,7 @@ TEST(TvxReader, EveryTruncationFailsCleanly) {
 TEST(TvxReader, HostileHeadersAreRefusedThroughTheLibrary) {
     TempFolder folder;
     const std::vector<uint8_t> valid = validFile(folder);
-    const size_t record = 12;                      // first record starts after magic, count, size
+    const size_t record = 12; // first record starts after magic, count, size
     const size_t width = record + 16, height = record + 20;
     struct Case {
         const char* label;
@@ -66,7 +68,8 @@ TEST(TvxReader, HostileHeadersAreRefusedThroughTheLibrary) {
         std::vector<uint8_t> bytes = valid;
         put32(bytes, c.at, c.value);
         std::string path = (folder / "broken.tvx").string();
-        std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()), bytes.size());
         TavixReadResult result = TavixReadFile(path);
         EXPECT_FALSE(result.ok && result.frames.size() == 2) << c.label;
         LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
@@ -85,8 +88,10 @@ TEST(TvxReader, AllocationFailuresAreCleanFailures) {
         TavixReadResult result = TavixReadFile(path);
         unsetenv("GALLOCMAX");
         galloc_reload_limit();
-        if (result.ok) EXPECT_EQ(result.frames.size(), 2u);
-        else EXPECT_FALSE(result.error.empty());
+        if (result.ok)
+            EXPECT_EQ(result.frames.size(), 2u);
+        else
+            EXPECT_FALSE(result.error.empty());
         result.frames.clear();
         EXPECT_EQ(galloc_live_count(), live) << "limit " << limit;
     }

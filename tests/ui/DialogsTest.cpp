@@ -298,11 +298,11 @@ TEST(FileDialog, ATypedExtensionChoosesTheDriverOverTheFilter) {
         int filterDriver;
         int expected;
     } cases[] = {
-        {"/a/sprites.ssh", 0, 1},      // the fsh filter, an ssh name
-        {"/a/one.PNG", 0, 2},          // any case
-        {"/a/sprites", 1, 1},          // no extension: the filter decides
-        {"/a/sprites.xyz", 1, 1},      // no driver owns it: the filter decides
-        {"/a/dir.png/sprites", 0, 0},  // a dot in a folder is no extension
+        {"/a/sprites.ssh", 0, 1},     // the fsh filter, an ssh name
+        {"/a/one.PNG", 0, 2},         // any case
+        {"/a/sprites", 1, 1},         // no extension: the filter decides
+        {"/a/sprites.xyz", 1, 1},     // no driver owns it: the filter decides
+        {"/a/dir.png/sprites", 0, 0}, // a dot in a folder is no extension
     };
     for (const Case& c : cases)
         EXPECT_EQ(CTavixFileDlg::SaveDriver(c.typed, rows, c.filterDriver), c.expected) << c.typed;

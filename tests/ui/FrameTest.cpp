@@ -125,10 +125,11 @@ TEST_F(FrameTest, WithoutTheCodecLibraryNothingIsShown) {
     ASSERT_EQ(m_Script.m_Messages.size(), 1u);
     // The loader's own reason, not a guess.
     const std::string& text = m_Script.m_Messages[0];
-    EXPECT_EQ(text.rfind("Zy cannot run without its codec library:\n\ncannot load the codec library "
-                         "/nonexistent/libtavix.so: ",
-                         0),
-              0u)
+    EXPECT_EQ(
+        text.rfind("Zy cannot run without its codec library:\n\ncannot load the codec library "
+                   "/nonexistent/libtavix.so: ",
+                   0),
+        0u)
         << text;
     EXPECT_NE(text.find("No such file or directory"), std::string::npos) << text;
     EXPECT_EQ(m_Script.m_Captions, std::vector<std::string>{"Zy"});
@@ -254,7 +255,8 @@ TEST_F(FrameTest, EveryKeyAMenuShowsTriggersThatItem) {
             EXPECT_EQ(ActionOfKey(Frame(), key), action);
         }
     };
-    for (QMenu* menu : Frame()->menuBar()->findChildren<QMenu*>(Qt::FindDirectChildrenOnly)) walk(menu);
+    for (QMenu* menu : Frame()->menuBar()->findChildren<QMenu*>(Qt::FindDirectChildrenOnly))
+        walk(menu);
     // The channel keys as the View menu prints them.
     EXPECT_EQ(ActionOfKey(Frame(), "Alt+3"), Frame()->Action(ViewRed));
     EXPECT_EQ(ActionOfKey(Frame(), "Alt+5"), Frame()->Action(ViewBlue));
@@ -277,8 +279,9 @@ TEST_F(FrameTest, F1ShowsTheManualInAWindowOfItsOwn) {
     EXPECT_EQ(m_Zy->HelpWindow(), help) << "one window, raised again";
 
     // A manual that is not there says so instead of showing nothing.
-    m_Profile.Profile().WriteString("CZy", "m_DocumentationUrl",
-                                    QUrl::fromLocalFile("/nonexistent/editor.md").toString().toStdString());
+    m_Profile.Profile().WriteString(
+        "CZy", "m_DocumentationUrl",
+        QUrl::fromLocalFile("/nonexistent/editor.md").toString().toStdString());
     f1->trigger();
     EXPECT_TRUE(help->Browser()->toPlainText().contains("/nonexistent/editor.md cannot be read"));
 }
@@ -309,7 +312,8 @@ TEST_F(FrameTest, TheWindowMenuListsTheOpenDocuments) {
         emit menu->aboutToShow();
         std::vector<std::pair<std::string, bool>> items;
         for (QAction* action : menu->actions())
-            if (action->isCheckable()) items.emplace_back(action->text().remove('&').toStdString(), action->isChecked());
+            if (action->isCheckable())
+                items.emplace_back(action->text().remove('&').toStdString(), action->isChecked());
         return items;
     };
     const std::string active = Child()->Title().toStdString();
@@ -492,8 +496,8 @@ TEST_F(FrameTest, ListItemsFollowTheSelection) {
     const QString path = Write("two.tvx", 2);
     ASSERT_TRUE(Start({path}));
     Child()->ListView()->First();
-    for (unsigned id : {AddNewImage, Duplicate, Delete, Sort, BringForward, MoveDownFive, AlignLeft, SpaceAcross,
-                        CenterVertical, EditCut, EditCopy})
+    for (unsigned id : {AddNewImage, Duplicate, Delete, Sort, BringForward, MoveDownFive, AlignLeft,
+                        SpaceAcross, CenterVertical, EditCut, EditCopy})
         EXPECT_TRUE(Item(id)->isEnabled()) << id;
     EXPECT_FALSE(Item(BlendImages)->isEnabled()) << "one image selected";
     Frame()->OnCommand(EditSelectAll);

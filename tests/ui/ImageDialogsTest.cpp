@@ -35,9 +35,9 @@ std::unique_ptr<CTavixImage> sprite() {
     for (int y = 0; y < 30; ++y)
         for (int x = 0; x < 40; ++x) {
             const int dx = x - 20, dy = y - 15;
-            const uint32_t argb = dx * dx + dy * dy < 196
-                                      ? 0xFF000000u | uint32_t(x * 6) << 16 | uint32_t(y * 8) << 8 | 0x40
-                                      : 0;
+            const uint32_t argb = dx * dx + dy * dy < 196 ? 0xFF000000u | uint32_t(x * 6) << 16 |
+                                                                uint32_t(y * 8) << 8 | 0x40
+                                                          : 0;
             memcpy(image->GetPixelAddress(x, y), &argb, 4);
         }
     return image;
@@ -51,10 +51,12 @@ void shoot(QWidget& widget, const char* name) {
 }
 
 template <typename Data>
-CDialogData::PreviewFn preview(const char* module, std::vector<ModuleValue> (*values)(const Data&)) {
+CDialogData::PreviewFn preview(const char* module,
+                               std::vector<ModuleValue> (*values)(const Data&)) {
     return [module, values](const CDialogData& data, const CTavixImage& image) {
         const std::vector<ModuleValue> moduleValues = values(static_cast<const Data&>(data));
-        return image.RunModule(module_find(module), moduleValues.data(), static_cast<int>(moduleValues.size()));
+        return image.RunModule(module_find(module), moduleValues.data(),
+                               static_cast<int>(moduleValues.size()));
     };
 }
 

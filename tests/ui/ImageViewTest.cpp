@@ -88,10 +88,11 @@ TEST_F(ImageViewTest, ZoomingAndNormalSizeKeepTheFocusedImageInView) {
     QApplication::processEvents();
     auto focusedInView = [&](int left, int top, int size) {
         const double z = m_View->GetZoom();
-        const QRect image(static_cast<int>(left * z), static_cast<int>(top * z), static_cast<int>(size * z),
-                          static_cast<int>(size * z));
-        const QRect visible(QPoint(m_View->horizontalScrollBar()->value(), m_View->verticalScrollBar()->value()),
-                            m_View->viewport()->size());
+        const QRect image(static_cast<int>(left * z), static_cast<int>(top * z),
+                          static_cast<int>(size * z), static_cast<int>(size * z));
+        const QRect visible(
+            QPoint(m_View->horizontalScrollBar()->value(), m_View->verticalScrollBar()->value()),
+            m_View->viewport()->size());
         return visible.contains(image);
     };
     // The red image at (0, 0): zooming about the view's centre would push it out.

@@ -397,8 +397,8 @@ TEST_F(ListViewTest, DropsFromElsewhereAreUndoableInsertions) {
         {"whole records from another Zy process",
          [&](CImageListView& view) {
              QMimeData mime;
-             mime.setData(kImageListClipFormat, QByteArray::fromStdString(EncodeImageList(
-                                                    {source->GetImageAt(2)})));
+             mime.setData(kImageListClipFormat,
+                          QByteArray::fromStdString(EncodeImageList({source->GetImageAt(2)})));
              view.DropMime(&mime, 0);
          },
          {"img2", "img0", "img1"},
@@ -407,8 +407,8 @@ TEST_F(ListViewTest, DropsFromElsewhereAreUndoableInsertions) {
          [&](CImageListView& view) {
              QMimeData mime;
              mime.setData(kImageListMimeType, EncodeImages({source->GetImageAt(1)}));
-             mime.setData(kImageListClipFormat, QByteArray::fromStdString(EncodeImageList(
-                                                    {source->GetImageAt(1)})));
+             mime.setData(kImageListClipFormat,
+                          QByteArray::fromStdString(EncodeImageList({source->GetImageAt(1)})));
              view.DropMime(&mime, -1);
          },
          {"img0", "img1", "img1"},
@@ -453,7 +453,8 @@ TEST_F(ListViewTest, TheNameColumnFitsTheLongestName) {
     const int standard = m_View->columnWidth(0);
     const QString longName = "a_rather_long_sprite_name_0123";
     ASSERT_TRUE(m_View->Model()->setData(m_View->Model()->index(1, 0), longName, Qt::EditRole));
-    EXPECT_GT(m_View->columnWidth(0), QFontMetrics(m_View->font()).horizontalAdvance(longName) + 16);
+    EXPECT_GT(m_View->columnWidth(0),
+              QFontMetrics(m_View->font()).horizontalAdvance(longName) + 16);
     m_Doc->OnCmdMsg(Undo); // short names again: back to the standard width
     EXPECT_EQ(m_View->columnWidth(0), standard);
 }

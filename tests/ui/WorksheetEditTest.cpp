@@ -70,10 +70,8 @@ TEST_F(WorksheetEditTest, ClicksSelectAndExtend) {
         int focus;
     };
     const Step steps[] = {
-        {{22, 3}, Qt::NoModifier, "010", 1},
-        {{2, 3}, Qt::ControlModifier, "110", 0},
-        {{22, 3}, Qt::ControlModifier, "100", 1},
-        {{45, 33}, Qt::ShiftModifier, "101", 2},
+        {{22, 3}, Qt::NoModifier, "010", 1},      {{2, 3}, Qt::ControlModifier, "110", 0},
+        {{22, 3}, Qt::ControlModifier, "100", 1}, {{45, 33}, Qt::ShiftModifier, "101", 2},
         {{2, 3}, Qt::NoModifier, "101", 0}, // a selected image keeps the others for a drag
         {{200, 200}, Qt::NoModifier, "000", 0},
     };
