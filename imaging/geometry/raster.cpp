@@ -56,6 +56,22 @@ void make_argb_record(TavixInfo* info) {
     info->alphabits = info->redbits = info->greenbits = info->bluebits = 8;
 }
 
+TavixInfo* argb_copy_query(ModuleInstance* instance) {
+    if (!module_instance_ok(instance)) return nullptr;
+    TavixInfo* info = module_copy_info(instance->images[0].info);
+    if (info) make_argb_record(info);
+    return info;
+}
+
+bool check_argb_same_size(const char* module, const ModuleInstance* instance,
+                          const TavixInfo* result, const void* pixels, int32_t rowbytes) {
+    if (!check_result(module, instance, result, pixels, rowbytes, 4)) return false;
+    const TavixInfo& in = *instance->images[0].info;
+    if (result->width == in.width && result->height == in.height) return true;
+    gprintf("%s - result differs from input in size\n", module);
+    return false;
+}
+
 bool check_result(const char* module, const ModuleInstance* instance, const TavixInfo* result,
                   const void* pixels, int32_t rowbytes, int32_t resultBytes) {
     const char* problem = nullptr;

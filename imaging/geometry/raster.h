@@ -78,6 +78,16 @@ void make_argb_record(TavixInfo* info);
 bool check_result(const char* module, const ModuleInstance* instance, const TavixInfo* result,
                   const void* pixels, int32_t rowbytes, int32_t resultBytes);
 
+// Query output of a module whose 32-bit result has its input's size: a
+// copy of the first image's record made 32 bits per pixel; null when the
+// instance is not open or memory is short.
+TavixInfo* argb_copy_query(ModuleInstance* instance);
+
+// check_result for a 32-bit result of the input's size; prints one line
+// naming the module when the sizes differ.
+bool check_argb_same_size(const char* module, const ModuleInstance* instance,
+                          const TavixInfo* result, const void* pixels, int32_t rowbytes);
+
 // Moves the centre point and every hot spot by (dx, dy), wrapping instead
 // of overflowing for points read from files.
 void shift_points(TavixInfo* info, int32_t dx, int32_t dy);

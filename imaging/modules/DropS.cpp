@@ -197,19 +197,12 @@ uint32_t over(uint32_t top, uint32_t shadow, double shadowAlpha) {
 }
 
 TavixInfo* query(ModuleInstance* instance, int32_t) {
-    if (!module_instance_ok(instance)) return nullptr;
-    TavixInfo* info = module_copy_info(instance->images[0].info);
-    if (info) geometry::make_argb_record(info);
-    return info;
+    return geometry::argb_copy_query(instance);
 }
 
 int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
-    if (!geometry::check_result(kDecl.name, instance, result, pixels, rowbytes, 4)) return 0;
+    if (!geometry::check_argb_same_size(kDecl.name, instance, result, pixels, rowbytes)) return 0;
     const ImageEntry& in = instance->images[0];
-    if (result->width != in.info->width || result->height != in.info->height) {
-        gprintf("DropS - result differs from input in size\n");
-        return 0;
-    }
     geometry::Raster out = geometry::raster_of(result, pixels, rowbytes);
     geometry::Scratch source(in, out);
     normalmap::Field shadow(out.width, out.height), scratch(out.width, out.height);

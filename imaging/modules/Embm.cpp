@@ -30,21 +30,12 @@ constexpr ModuleDecl kDecl = {.magic = "EMBM",
                               .params = kParams};
 
 TavixInfo* query(ModuleInstance* instance, int32_t) {
-    if (!module_instance_ok(instance)) return nullptr;
-    TavixInfo* info = module_copy_info(instance->images[0].info);
-    if (!info) return nullptr;
-    geometry::make_argb_record(info);
-
-    return info;
+    return geometry::argb_copy_query(instance);
 }
 
 int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
-    if (!geometry::check_result("Embm", instance, result, pixels, rowbytes, 4)) return 0;
+    if (!geometry::check_argb_same_size(kDecl.name, instance, result, pixels, rowbytes)) return 0;
     const ImageEntry& in = instance->images[0];
-    if (result->width != in.info->width || result->height != in.info->height) {
-        gprintf("Embm - result differs from input in size\n");
-        return 0;
-    }
     return normalmap::make_bump(in, normalmap::bump_from(module_value_int(instance, kDecl, 0)),
                                 module_value_real(instance, kDecl, 1),
                                 normalmap::slope_from(module_value_int(instance, kDecl, 2)), pixels,

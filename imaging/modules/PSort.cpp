@@ -9,8 +9,6 @@
 #include "imaging/modules/modules.h"
 #include "imaging/palsort/sort.h"
 
-#include <cstring>
-
 namespace {
 
 constexpr ModuleParamDecl kParams[] = {
@@ -30,30 +28,12 @@ palsort::Request request(const ModuleInstance* instance) {
 }
 
 TavixInfo* query(ModuleInstance* instance, int32_t) {
-    if (!module_instance_ok(instance)) return nullptr;
-    const ImageEntry& in = instance->images[0];
-    TavixInfo* info = module_copy_info(in.info);
-    if (!info || module_pixel_bytes(in.info) != 1 || !in.pixels) return info;
-    uint8_t order[256];
-    palsort::sort_order(in, request(instance), order);
-    palsort::apply_to_palette(in, request(instance), order, info);
-    return info;
+    return palsort::sorted_query(instance, request(instance));
 }
 
 // 32-bit images have no palette to sort: their pixels are copied.
 int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
-    if (!module_check_same_shape(kDecl, instance, result, pixels, rowbytes)) return 0;
-    const ImageEntry& in = instance->images[0];
-    if (module_pixel_bytes(in.info) == 1) {
-        uint8_t order[256];
-        palsort::sort_order(in, request(instance), order);
-        palsort::renumber(in, order, pixels, rowbytes);
-    } else if (in.pixels != pixels) {
-        for (int32_t y = 0; y < in.info->height; ++y)
-            memmove(module_row(pixels, rowbytes, y), module_row(in, y),
-                    static_cast<size_t>(module_row_length(in.info)));
-    }
-    return 1;
+    return palsort::sorted_process(kDecl, instance, request(instance), result, pixels, rowbytes);
 }
 
 } // namespace

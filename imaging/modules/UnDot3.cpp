@@ -27,21 +27,15 @@ constexpr ModuleDecl kDecl = {.magic = "UDOT",
                               .params = kParams};
 
 TavixInfo* query(ModuleInstance* instance, int32_t) {
-    if (!module_instance_ok(instance)) return nullptr;
-    TavixInfo* info = module_copy_info(instance->images[0].info);
+    TavixInfo* info = geometry::argb_copy_query(instance);
     if (!info) return nullptr;
-    geometry::make_argb_record(info);
     info->attributes &= ~static_cast<uint32_t>(kAttrDot3);
     return info;
 }
 
 int process(ModuleInstance* instance, const TavixInfo* result, void* pixels, int32_t rowbytes) {
-    if (!geometry::check_result("UnDot3", instance, result, pixels, rowbytes, 4)) return 0;
+    if (!geometry::check_argb_same_size(kDecl.name, instance, result, pixels, rowbytes)) return 0;
     const ImageEntry& in = instance->images[0];
-    if (result->width != in.info->width || result->height != in.info->height) {
-        gprintf("UnDot3 - result differs from input in size\n");
-        return 0;
-    }
     return normalmap::heights_from_normals(
         in, true, normalmap::integrate_from(module_value_int(instance, kDecl, 0)), pixels,
         rowbytes);

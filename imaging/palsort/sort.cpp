@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <tuple>
 
 namespace palsort {
@@ -138,6 +139,33 @@ void renumber(const ImageEntry& image, const uint8_t order[256], void* out, int3
         for (int32_t x = 0; x < width; ++x)
             to[x] = newIndex[from[x]];
     }
+}
+
+TavixInfo* sorted_query(ModuleInstance* instance, const Request& request) {
+    if (!module_instance_ok(instance)) return nullptr;
+    const ImageEntry& in = instance->images[0];
+    TavixInfo* info = module_copy_info(in.info);
+    if (!info || module_pixel_bytes(in.info) != 1 || !in.pixels) return info;
+    uint8_t order[256];
+    sort_order(in, request, order);
+    apply_to_palette(in, request, order, info);
+    return info;
+}
+
+int sorted_process(const ModuleDecl& decl, ModuleInstance* instance, const Request& request,
+                   const TavixInfo* result, void* pixels, int32_t rowbytes) {
+    if (!module_check_same_shape(decl, instance, result, pixels, rowbytes)) return 0;
+    const ImageEntry& in = instance->images[0];
+    if (module_pixel_bytes(in.info) == 1) {
+        uint8_t order[256];
+        sort_order(in, request, order);
+        renumber(in, order, pixels, rowbytes);
+    } else if (in.pixels != pixels) {
+        for (int32_t y = 0; y < in.info->height; ++y)
+            memmove(module_row(pixels, rowbytes, y), module_row(in, y),
+                    static_cast<size_t>(module_row_length(in.info)));
+    }
+    return 1;
 }
 
 } // namespace palsort

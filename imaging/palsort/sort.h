@@ -5,6 +5,8 @@
 
 #include "imaging/module/module.h"
 
+struct ModuleDecl;
+
 #include <cstdint>
 
 namespace palsort {
@@ -39,5 +41,13 @@ void apply_to_palette(const ImageEntry& image, const Request& request, const uin
 // Writes the image's indices renumbered for `order` into `out` (8-bit,
 // laid out with `rowbytes`; may be the input).
 void renumber(const ImageEntry& image, const uint8_t order[256], void* out, int32_t rowbytes);
+
+// The two halves of a palette-sorting module, for a request the module
+// reads from its values: query output is the input's record with its
+// palette sorted; process writes the renumbered indices (32-bit images,
+// which have no palette, are copied).
+TavixInfo* sorted_query(ModuleInstance* instance, const Request& request);
+int sorted_process(const ModuleDecl& decl, ModuleInstance* instance, const Request& request,
+                   const TavixInfo* result, void* pixels, int32_t rowbytes);
 
 } // namespace palsort
