@@ -223,6 +223,8 @@ enum : unsigned {
     // toolbar's choices. It lies outside the handler's range, so it is
     // routed to the registry directly.
     ChangeColorDepth = 3683,
+    // "Run Module...": any imaging module with the values of its descriptor.
+    RunModule = 35318,
 };
 
 constexpr unsigned kFirstFamilyId = kFirstDocCommandId;

@@ -84,6 +84,7 @@ constexpr CCommandEntry kEntries[] = {
     {35301, "NamedPalette", "Insert a named palette"},
     {35310, "PreAttenuate", "Multiply the colours by alpha"},
     {35312, "UnAttenuate", "Divide the colours by alpha"},
+    {35318, "RunModule", "Run any image module with chosen values"},
     {35330, "CreateMipMaps", "Create mip maps of the selected images"},
     {35340, "ShapeProperties", "Edit the shape's properties"},
     {35350, "Sort", "Sort the images by name"},

@@ -4,6 +4,7 @@
 #include "app/doc/TavixImage.h"
 #include "app/ui/PreviewPane.h"
 #include "app/ui/QtUserInterface.h"
+#include "app/ui/RunModuleDlg.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -248,6 +249,7 @@ void CEnlargeCanvasDlg::done(int result) {
 }
 
 void RegisterImageCmdDialogs() {
+    RegisterRunModuleDialog();
     CQtUserInterface::RegisterDialog("CImageSizeDlg", [](CDialogData& data, QWidget* parent) {
         CImageSizeDlg dialog(static_cast<CImageSizeDlgData&>(data), parent);
         return dialog.exec() == QDialog::Accepted;

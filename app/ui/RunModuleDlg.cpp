@@ -1,0 +1,366 @@
+#include "app/ui/RunModuleDlg.h"
+
+#include "app/cmds/RunModuleCmd.h"
+#include "app/doc/TavixImage.h"
+#include "app/ui/PreviewPane.h"
+#include "app/ui/QtUserInterface.h"
+
+#include <QCheckBox>
+#include <QColorDialog>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QDoubleSpinBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QSpinBox>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include <climits>
+#include <cmath>
+#include <memory>
+
+namespace {
+
+constexpr int kChannels = 4;
+constexpr const char* kChannelNames[kChannels] = {"A", "R", "G", "B"};
+
+int clampInt(double value) {
+    return static_cast<int>(std::clamp(value, double(INT_MIN), double(INT_MAX)));
+}
+
+// Decimals enough to show the smallest limit of a real.
+int decimalsFor(const CModuleValueSpec& spec) {
+    const double smallest = std::min(spec.m_Min != 0 ? std::fabs(spec.m_Min) : 1.0,
+                                     spec.m_Max != 0 ? std::fabs(spec.m_Max) : 1.0);
+    return smallest < 0.001 ? 8 : 3;
+}
+
+// A 32-bit word as a hex line plus, for masks, one check box per channel
+// (A, R, G, B: a byte of 0 clears the box, anything else checks it; a check
+// sets its byte to 0xFF) and, for colours, a button with the colour that
+// opens the colour dialog with alpha. The line and the boxes follow each
+// other; `changed` runs after every edit.
+QWidget* wordEditor(const CModuleValueSpec& spec, const std::string& text, int slot,
+                    const std::function<void()>& changed,
+                    std::vector<std::function<std::string()>>& readers) {
+    auto* box = new QWidget;
+    auto* row = new QHBoxLayout(box);
+    row->setContentsMargins(0, 0, 0, 0);
+    auto* line = new QLineEdit(QString::fromStdString(text));
+    line->setObjectName(QString("value%1").arg(slot));
+    line->setMaxLength(10);
+    line->setFixedWidth(line->fontMetrics().horizontalAdvance("0xFFFFFFFF") + 16);
+    row->addWidget(line);
+    readers.push_back([line] { return line->text().toStdString(); });
+    auto loading = std::make_shared<bool>(false);
+    auto word = [spec, line](uint32_t& out) {
+        double value = 0;
+        if (!ParseModuleValue(spec, line->text().toStdString(), value).empty()) return false;
+        out = static_cast<uint32_t>(value);
+        return true;
+    };
+    auto setWord = [spec, line](uint32_t value) {
+        line->setText(QString::fromStdString(ModuleValueText(spec, value)));
+    };
+
+    if (spec.m_Kind == CModuleControl::Mask) {
+        std::vector<QCheckBox*> checks;
+        for (int c = 0; c < kChannels; ++c) {
+            auto* check = new QCheckBox(kChannelNames[c]);
+            check->setObjectName(QString("value%1.%2").arg(slot).arg(kChannelNames[c]));
+            checks.push_back(check);
+            row->addWidget(check);
+        }
+        auto showChecks = [checks, word] {
+            uint32_t value = 0;
+            const bool valid = word(value);
+            for (int c = 0; c < kChannels; ++c) {
+                const int shift = 24 - 8 * c;
+                checks[c]->setEnabled(valid);
+                checks[c]->setChecked(valid && ((value >> shift) & 0xFF) != 0);
+            }
+        };
+        showChecks();
+        QObject::connect(line, &QLineEdit::textEdited, line, [=] {
+            *loading = true;
+            showChecks();
+            *loading = false;
+            changed();
+        });
+        for (int c = 0; c < kChannels; ++c)
+            QObject::connect(checks[c], &QCheckBox::toggled, line, [=](bool on) {
+                if (*loading) return;
+                uint32_t value = 0;
+                if (!word(value)) return;
+                const uint32_t bits = 0xFFu << (24 - 8 * c);
+                setWord(on ? value | bits : value & ~bits);
+                changed();
+            });
+    } else {
+        auto* button = new QPushButton;
+        button->setObjectName(QString("value%1.colour").arg(slot));
+        button->setFixedWidth(48);
+        auto paint = [button, word] {
+            uint32_t value = 0;
+            const bool valid = word(value);
+            button->setEnabled(valid);
+            QPixmap swatch(28, 14);
+            swatch.fill(QColor::fromRgba(valid ? value : 0));
+            button->setIcon(QIcon(swatch));
+        };
+        paint();
+        row->addWidget(button);
+        QObject::connect(line, &QLineEdit::textEdited, line, [=] {
+            paint();
+            changed();
+        });
+        QObject::connect(button, &QPushButton::clicked, line, [=] {
+            uint32_t value = 0;
+            word(value);
+            const QColor chosen =
+                QColorDialog::getColor(QColor::fromRgba(value), button,
+                                       QString::fromStdString(spec.m_Name),
+                                       QColorDialog::ShowAlphaChannel);
+            if (!chosen.isValid()) return;
+            setWord(chosen.rgba());
+            paint();
+            changed();
+        });
+    }
+    row->addStretch();
+    return box;
+}
+
+// The control of one value, or null for a slot the user cannot give (a
+// program's handle, passed as 0).
+QWidget* editorFor(const CModuleValueSpec& spec, const std::string& text, int slot,
+                   const std::function<void()>& changed,
+                   std::vector<std::function<std::string()>>& readers) {
+    double value = 0;
+    ParseModuleValue(spec, text, value);
+    const QString name = QString("value%1").arg(slot);
+    switch (spec.m_Kind) {
+    case CModuleControl::Integer: {
+        auto* box = new QSpinBox;
+        box->setObjectName(name);
+        box->setRange(clampInt(spec.m_Min), clampInt(spec.m_Max));
+        box->setValue(clampInt(value));
+        readers.push_back([box] { return std::to_string(box->value()); });
+        QObject::connect(box, &QSpinBox::valueChanged, box, changed);
+        return box;
+    }
+    case CModuleControl::Real: {
+        auto* box = new QDoubleSpinBox;
+        box->setObjectName(name);
+        box->setDecimals(decimalsFor(spec));
+        box->setRange(spec.m_Min, spec.m_Max);
+        box->setValue(value);
+        readers.push_back([box, spec] { return ModuleValueText(spec, box->value()); });
+        QObject::connect(box, &QDoubleSpinBox::valueChanged, box, changed);
+        return box;
+    }
+    case CModuleControl::Check: {
+        auto* check = new QCheckBox;
+        check->setObjectName(name);
+        check->setChecked(value != 0);
+        readers.push_back([check] { return std::string(check->isChecked() ? "1" : "0"); });
+        QObject::connect(check, &QCheckBox::toggled, check, changed);
+        return check;
+    }
+    case CModuleControl::Choice: {
+        auto* list = new QComboBox;
+        list->setObjectName(name);
+        for (const std::string& choice : spec.m_Choices)
+            list->addItem(QString::fromStdString(choice));
+        list->setCurrentIndex(static_cast<int>(value));
+        readers.push_back([list, spec] { return ModuleValueText(spec, list->currentIndex()); });
+        QObject::connect(list, &QComboBox::currentIndexChanged, list, changed);
+        return list;
+    }
+    case CModuleControl::Mask:
+    case CModuleControl::Colour:
+        return wordEditor(spec, text, slot, changed, readers);
+    case CModuleControl::Text: {
+        auto* line = new QLineEdit(QString::fromStdString(text));
+        line->setObjectName(name);
+        line->setMinimumWidth(220);
+        readers.push_back([line] { return line->text().toStdString(); });
+        QObject::connect(line, &QLineEdit::textEdited, line, changed);
+        return line;
+    }
+    case CModuleControl::Handle:
+        readers.push_back([] { return std::string("0"); });
+        return nullptr;
+    }
+    return nullptr;
+}
+
+QString listText(const CModuleSpec& spec) {
+    return QString::fromStdString(spec.m_Name);
+}
+
+} // namespace
+
+CRunModuleDlg::CRunModuleDlg(CRunModuleDlgData& data, QWidget* parent)
+    : QDialog(parent), m_Data(data) {
+    setWindowTitle("Run Module");
+    setObjectName("CRunModuleDlg");
+    auto* outer = new QHBoxLayout(this);
+
+    m_List = new QTreeWidget;
+    m_List->setObjectName("ModuleList");
+    m_List->setColumnCount(2);
+    m_List->setHeaderLabels({"Module", "Description"});
+    m_List->setRootIsDecorated(false);
+    m_List->setUniformRowHeights(true);
+    for (const CModuleSpec& spec : AllModuleSpecs()) {
+        auto* item = new QTreeWidgetItem(
+            m_List, {listText(spec), QString::fromStdString(spec.m_Description)});
+        const std::string reason = spec.UnusableReason();
+        if (!reason.empty()) {
+            // Still selectable, so that its page can say why it cannot run.
+            item->setForeground(0, palette().color(QPalette::Disabled, QPalette::Text));
+            item->setForeground(1, palette().color(QPalette::Disabled, QPalette::Text));
+            item->setToolTip(0, QString::fromStdString(reason));
+        }
+    }
+    m_List->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    m_List->setMinimumWidth(300);
+    m_List->setMinimumHeight(360);
+    outer->addWidget(m_List);
+
+    auto* column = new QVBoxLayout;
+    m_Title = new QLabel;
+    m_Title->setObjectName("ModuleTitle");
+    QFont bold = m_Title->font();
+    bold.setBold(true);
+    m_Title->setFont(bold);
+    column->addWidget(m_Title);
+    m_Scroll = new QScrollArea;
+    m_Scroll->setObjectName("ValuePage");
+    m_Scroll->setWidgetResizable(true);
+    m_Scroll->setFrameShape(QFrame::NoFrame);
+    m_Scroll->setMinimumWidth(330);
+    column->addWidget(m_Scroll, 1);
+    m_Note = new QLabel;
+    m_Note->setObjectName("ModuleNote");
+    m_Note->setWordWrap(true);
+    column->addWidget(m_Note);
+    m_Buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    connect(m_Buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(m_Buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    outer->addLayout(column, 1);
+
+    if (data.m_Preview && data.m_PreviewSource) {
+        auto* previewColumn = new QVBoxLayout;
+        m_Preview = new CPreviewPane(*data.m_PreviewSource, [&data](const CTavixImage& source) {
+            return data.m_Preview(data, source);
+        });
+        previewColumn->addWidget(m_Preview);
+        previewColumn->addStretch();
+        previewColumn->addWidget(m_Buttons);
+        outer->addLayout(previewColumn);
+    } else {
+        column->addWidget(m_Buttons);
+    }
+
+    connect(m_List, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
+        if (!item || m_Loading) return;
+        const int index = m_List->indexOfTopLevelItem(item);
+        if (index < 0 || index >= static_cast<int>(AllModuleSpecs().size())) return;
+        // The values of the module left stay with the data, so coming back
+        // to it finds them again.
+        Changed();
+        m_Data.m_Module = AllModuleSpecs()[static_cast<size_t>(index)].m_Name;
+        BuildPage();
+        Changed();
+    });
+    ChooseModule(data.m_Module);
+}
+
+void CRunModuleDlg::ChooseModule(const std::string& name) {
+    const CModuleSpec* spec = FindModuleSpec(name);
+    if (!spec) spec = &AllModuleSpecs().front();
+    QTreeWidgetItem* item = m_List->topLevelItem(spec->m_Index);
+    if (m_List->currentItem() == item) return;
+    m_Loading = true;
+    m_List->setCurrentItem(item);
+    m_List->scrollToItem(item);
+    m_Loading = false;
+    m_Data.m_Module = spec->m_Name;
+    BuildPage();
+    Changed();
+}
+
+void CRunModuleDlg::BuildPage() {
+    const CModuleSpec* spec = FindModuleSpec(m_Data.m_Module);
+    // A fresh page: the old controls go with their readers.
+    m_Readers.clear();
+    QWidget* page = new QWidget;
+    m_Form = new QFormLayout(page);
+    m_Form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
+    delete m_Scroll->takeWidget();
+    m_Scroll->setWidget(page);
+    if (!spec) return;
+    m_Title->setText(QString::fromStdString(spec->m_Description + " (" + spec->m_Name + ")"));
+    m_Loading = true;
+    const std::vector<std::string> texts = m_Data.Texts();
+    auto changed = [this] { Changed(); };
+    for (size_t i = 0; i < spec->m_Values.size(); ++i) {
+        const CModuleValueSpec& value = spec->m_Values[i];
+        QWidget* editor = editorFor(value, i < texts.size() ? texts[i] : std::string(),
+                                    static_cast<int>(i), changed, m_Readers);
+        if (editor) m_Form->addRow(QString::fromStdString(value.m_Name) + ':', editor);
+    }
+    if (spec->m_Values.empty()) m_Form->addRow(new QLabel("This module takes no values."));
+    m_Loading = false;
+
+    const std::string reason = spec->UnusableReason();
+    std::string note = reason.empty() ? spec->Remark() : reason;
+    if (reason.empty() && !spec->CanPreview())
+        note += (note.empty() ? "" : " ") +
+                std::string("It opens an outside image editor, so it has no preview.");
+    m_Note->setText(QString::fromStdString(note));
+    m_Note->setVisible(!note.empty());
+    page->setEnabled(reason.empty());
+    m_Buttons->button(QDialogButtonBox::Ok)->setEnabled(reason.empty());
+}
+
+std::vector<std::string> CRunModuleDlg::CurrentTexts() const {
+    std::vector<std::string> texts;
+    for (const auto& read : m_Readers)
+        texts.push_back(read());
+    return texts;
+}
+
+void CRunModuleDlg::Changed() {
+    if (m_Loading) return;
+    if (FindModuleSpec(m_Data.m_Module)) m_Data.SetTexts(m_Data.m_Module, CurrentTexts());
+    if (m_Preview) m_Preview->Refresh();
+}
+
+void CRunModuleDlg::done(int result) {
+    if (result == QDialog::Accepted) {
+        Changed();
+        const std::string refusal = m_Data.Validate();
+        if (!refusal.empty()) {
+            QMessageBox::warning(this, "Zy", QString::fromStdString(refusal));
+            return;
+        }
+    }
+    QDialog::done(result);
+}
+
+void RegisterRunModuleDialog() {
+    CQtUserInterface::RegisterDialog("CRunModuleDlg", [](CDialogData& data, QWidget* parent) {
+        CRunModuleDlg dialog(static_cast<CRunModuleDlgData&>(data), parent);
+        return dialog.exec() == QDialog::Accepted;
+    });
+}
