@@ -259,6 +259,16 @@ std::string ParseModuleValue(const CModuleValueSpec& spec, const std::string& ra
                 value = static_cast<double>(i);
                 return {};
             }
+        {
+            char* end = nullptr;
+            (void)strtoll(text.c_str(), &end, 0);
+            if (text.empty() || *end) {
+                std::string names;
+                for (const std::string& name : spec.m_Choices)
+                    names += (names.empty() ? "" : ", ") + name;
+                return spec.m_Name + ": " + quoted + " is not one of " + names + ".";
+            }
+        }
         [[fallthrough]];
     case CModuleControl::Integer:
     case CModuleControl::Check: {

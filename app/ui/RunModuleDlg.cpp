@@ -289,7 +289,7 @@ void CRunModuleDlg::ChooseModule(const std::string& name) {
     const CModuleSpec* spec = FindModuleSpec(name);
     if (!spec) spec = &AllModuleSpecs().front();
     QTreeWidgetItem* item = m_List->topLevelItem(spec->m_Index);
-    if (m_List->currentItem() == item) return;
+    Changed();
     m_Loading = true;
     m_List->setCurrentItem(item);
     m_List->scrollToItem(item);
@@ -303,6 +303,7 @@ void CRunModuleDlg::BuildPage() {
     const CModuleSpec* spec = FindModuleSpec(m_Data.m_Module);
     // A fresh page: the old controls go with their readers.
     m_Readers.clear();
+    m_PageModule.clear();
     QWidget* page = new QWidget;
     m_Form = new QFormLayout(page);
     m_Form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
@@ -321,6 +322,7 @@ void CRunModuleDlg::BuildPage() {
     }
     if (spec->m_Values.empty()) m_Form->addRow(new QLabel("This module takes no values."));
     m_Loading = false;
+    m_PageModule = spec->m_Name;
 
     const std::string reason = spec->UnusableReason();
     std::string note = reason.empty() ? spec->Remark() : reason;
@@ -342,7 +344,9 @@ std::vector<std::string> CRunModuleDlg::CurrentTexts() const {
 
 void CRunModuleDlg::Changed() {
     if (m_Loading) return;
-    if (FindModuleSpec(m_Data.m_Module)) m_Data.SetTexts(m_Data.m_Module, CurrentTexts());
+    // Only a page that was built has texts to give: before it, the stored
+    // ones must stay.
+    if (!m_PageModule.empty()) m_Data.SetTexts(m_PageModule, CurrentTexts());
     if (m_Preview) m_Preview->Refresh();
 }
 

@@ -44,6 +44,7 @@ class CRunModuleDlg : public QDialog {
     CPreviewPane* m_Preview = nullptr;
     // One reader per slot, giving the slot's text as the controls hold it.
     std::vector<std::function<std::string()>> m_Readers;
+    std::string m_PageModule; // the module whose page is shown
     bool m_Loading = false;
 };
 

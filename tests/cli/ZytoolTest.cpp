@@ -926,3 +926,65 @@ TEST_F(ZytoolCommand, PaletteCommandsTakeColoursAndDialogsFromTheCommandLine) {
     ASSERT_EQ(named.status, 0) << named.err;
     EXPECT_EQ(names(out("n.tvx")), "pal!pal");
 }
+
+// Run Module without a window: the module and its values come from the
+// dialog's settings, and the result is the one `zytool run` gives.
+TEST_F(ZytoolCommand, RunModuleTakesItsModuleAndValuesFromTheSettings) {
+    std::vector<TavixFrame> frames;
+    frames.push_back(makeFrame(5, 4, 32, "a"));
+    frames.push_back(makeFrame(5, 4, 32, "b"));
+    const std::string in = writeFrames("two.tvx", std::move(frames));
+    ToolRun keys = zytool("commands --keys RunModule", m_folder);
+    EXPECT_NE(keys.out.find("CRunModuleDlg/m_Module\n"), std::string::npos) << keys.out;
+    EXPECT_NE(keys.out.find("CRunModuleDlg/Flip\n"), std::string::npos) << keys.out;
+
+    const struct {
+        const char* module;
+        const char* setting; // CRunModuleDlg/<module>
+        const char* run;     // the same values for zytool run
+    } same[] = {
+        {"Flip", "Vertical", "Flip Vertical"},
+        {"Gamma", "1,2,1,1", "Gamma 1 2 1 1"},
+        {"HSL", "10,5,0x00FF0000", "HSL 10 5 0x00FF0000"},
+        {"Rot", "180", "Rot 2"}, // the choice named "180" is the third
+        {"Chroma", "", "Chroma"},
+    };
+    for (const auto& c : same) {
+        SCOPED_TRACE(c.module);
+        ToolRun command = zytool(std::string("command RunModule --select b --set "
+                                             "CRunModuleDlg/m_Module=") +
+                                     c.module + " --set 'CRunModuleDlg/" + c.module + "=" +
+                                     c.setting + "' " + in + " " + out("c.tvx"),
+                                 m_folder);
+        ASSERT_EQ(command.status, 0) << command.err;
+        ToolRun run = zytool(std::string("run ") + c.run + " " + in + " " + out("r.tvx"), m_folder);
+        ASSERT_EQ(run.status, 0) << run.err;
+        TavixReadResult byCommand = TavixReadFile(out("c.tvx"));
+        TavixReadResult byRun = TavixReadFile(out("r.tvx"));
+        ASSERT_EQ(byCommand.frames.size(), 2u);
+        EXPECT_EQ(argbPixels(byCommand.frames[0]), argbPixels(makeFrame(5, 4, 32)))
+            << "frame a was not selected";
+        EXPECT_EQ(argbPixels(byCommand.frames[1]), argbPixels(byRun.frames[1]));
+    }
+
+    const struct {
+        std::string settings;
+        const char* error;
+    } refused[] = {
+        {"m_Module=Creep --set CRunModuleDlg/Creep=0xFF0000FF,300",
+         "Amount: 300 is outside the range 1 to 255."},
+        {"m_Module=HSL --set CRunModuleDlg/HSL=1,2,0xZZ",
+         "Mask: '0xZZ' is not a hexadecimal value from 0x00000000 to 0xFFFFFFFF."},
+        {"m_Module=FTxMp", "FTxMp needs a second image"},
+        {"m_Module=Nope", "No module is named 'Nope'"},
+    };
+    for (const auto& c : refused) {
+        SCOPED_TRACE(c.settings);
+        ToolRun bad = zytool("command RunModule --set CRunModuleDlg/" + c.settings + " " + in +
+                                 " " + out("x.tvx"),
+                             m_folder);
+        EXPECT_NE(bad.status, 0);
+        EXPECT_NE(bad.err.find(c.error), std::string::npos) << bad.err;
+        EXPECT_NE(bad.err.find("was not performed"), std::string::npos) << bad.err;
+    }
+}
