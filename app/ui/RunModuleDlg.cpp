@@ -16,8 +16,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPainter>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QSpinBox>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -111,9 +113,17 @@ QWidget* wordEditor(const CModuleValueSpec& spec, const std::string& text, int s
             uint32_t value = 0;
             const bool valid = word(value);
             button->setEnabled(valid);
+            // Over a checkerboard, so that the colour's alpha shows.
             QPixmap swatch(28, 14);
-            swatch.fill(QColor::fromRgba(valid ? value : 0));
+            QPainter painter(&swatch);
+            for (int y = 0; y < 14; y += 7)
+                for (int x = 0; x < 28; x += 7)
+                    painter.fillRect(x, y, 7, 7,
+                                     ((x + y) / 7) % 2 ? QColor(0xB0, 0xB0, 0xB0) : Qt::white);
+            painter.fillRect(swatch.rect(), QColor::fromRgba(valid ? value : 0));
+            painter.end();
             button->setIcon(QIcon(swatch));
+            button->setIconSize(swatch.size());
         };
         paint();
         row->addWidget(button);
@@ -190,7 +200,7 @@ QWidget* editorFor(const CModuleValueSpec& spec, const std::string& text, int sl
     case CModuleControl::Text: {
         auto* line = new QLineEdit(QString::fromStdString(text));
         line->setObjectName(name);
-        line->setMinimumWidth(220);
+        line->setMinimumWidth(180);
         readers.push_back([line] { return line->text().toStdString(); });
         QObject::connect(line, &QLineEdit::textEdited, line, changed);
         return line;
@@ -232,8 +242,8 @@ CRunModuleDlg::CRunModuleDlg(CRunModuleDlgData& data, QWidget* parent)
         }
     }
     m_List->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
-    m_List->setMinimumWidth(300);
-    m_List->setMinimumHeight(360);
+    m_List->setMinimumWidth(360);
+    m_List->setMinimumHeight(400);
     outer->addWidget(m_List);
 
     auto* column = new QVBoxLayout;
@@ -292,7 +302,7 @@ void CRunModuleDlg::ChooseModule(const std::string& name) {
     Changed();
     m_Loading = true;
     m_List->setCurrentItem(item);
-    m_List->scrollToItem(item);
+    m_List->scrollToItem(item, QAbstractItemView::PositionAtCenter);
     m_Loading = false;
     m_Data.m_Module = spec->m_Name;
     BuildPage();
@@ -333,6 +343,10 @@ void CRunModuleDlg::BuildPage() {
     m_Note->setVisible(!note.empty());
     page->setEnabled(reason.empty());
     m_Buttons->button(QDialogButtonBox::Ok)->setEnabled(reason.empty());
+    // Wide enough for the longest label and its control, so that no label
+    // is cut; long pages scroll down instead.
+    const int width = page->sizeHint().width() + m_Scroll->verticalScrollBar()->sizeHint().width();
+    m_Scroll->setMinimumWidth(std::max(330, width));
 }
 
 std::vector<std::string> CRunModuleDlg::CurrentTexts() const {

@@ -71,8 +71,8 @@ struct Dialog {
                 const CModuleSpec* spec = FindModuleSpec(values.m_Module);
                 std::string error;
                 const std::vector<std::string> texts = values.Texts();
-                const std::vector<ModuleValue> slots = ModuleValuesFromTexts(*spec, texts, error);
-                return source.RunModule(spec->m_Index, slots.data(), int(slots.size()));
+                const std::vector<ModuleValue> moduleValues = ModuleValuesFromTexts(*spec, texts, error);
+                return source.RunModule(spec->m_Index, moduleValues.data(), int(moduleValues.size()));
             };
         }
         dialog = std::make_unique<CRunModuleDlg>(data, nullptr);
