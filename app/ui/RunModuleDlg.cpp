@@ -257,7 +257,7 @@ CRunModuleDlg::CRunModuleDlg(CRunModuleDlgData& data, QWidget* parent)
     m_Scroll->setObjectName("ValuePage");
     m_Scroll->setWidgetResizable(true);
     m_Scroll->setFrameShape(QFrame::NoFrame);
-    m_Scroll->setMinimumWidth(330);
+    m_Scroll->setMinimumWidth(420);
     column->addWidget(m_Scroll, 1);
     m_Note = new QLabel;
     m_Note->setObjectName("ModuleNote");
@@ -346,7 +346,9 @@ void CRunModuleDlg::BuildPage() {
     // Wide enough for the longest label and its control, so that no label
     // is cut; long pages scroll down instead.
     const int width = page->sizeHint().width() + m_Scroll->verticalScrollBar()->sizeHint().width();
-    m_Scroll->setMinimumWidth(std::max(330, width));
+    m_Scroll->setMinimumWidth(std::max(420, width));
+    // A shown dialog does not grow by itself when a wider page comes.
+    if (isVisible()) resize(sizeHint().expandedTo(size()));
 }
 
 std::vector<std::string> CRunModuleDlg::CurrentTexts() const {
