@@ -143,8 +143,9 @@ bool CModuleSpec::CanPreview() const {
 std::vector<std::string> CModuleSpec::DefaultTexts() const {
     std::vector<std::string> texts;
     for (const CModuleValueSpec& value : m_Values)
-        texts.push_back(value.m_Kind == CModuleControl::Text ? std::string()
-                                                             : ModuleValueText(value, value.m_Default));
+        texts.push_back(value.m_Kind == CModuleControl::Text
+                            ? std::string()
+                            : ModuleValueText(value, value.m_Default));
     return texts;
 }
 
@@ -325,8 +326,8 @@ std::vector<std::string> strictTexts(const CModuleSpec& spec, const std::string&
                                      std::string& error) {
     std::vector<std::string> texts = SplitModuleTexts(setting);
     if (texts.size() > spec.m_Values.size() && !spec.m_Values.empty()) {
-        error = spec.m_Name + " takes " + std::to_string(spec.m_Values.size()) +
-                " values, not " + std::to_string(texts.size()) + ".";
+        error = spec.m_Name + " takes " + std::to_string(spec.m_Values.size()) + " values, not " +
+                std::to_string(texts.size()) + ".";
         return {};
     }
     if (spec.m_Values.empty() && !(texts.empty() || (texts.size() == 1 && texts[0].empty()))) {
@@ -367,9 +368,8 @@ std::vector<ModuleValue> ModuleValuesFromTexts(const CModuleSpec& spec,
         const CModuleValueSpec& value = spec.m_Values[i];
         const std::string text = i < texts.size() ? texts[i] : std::string();
         if (value.m_Kind == CModuleControl::Text) {
-            values.push_back(
-                ModuleValue::ofPointer(i < texts.size() && !texts[i].empty() ? texts[i].c_str()
-                                                                             : nullptr));
+            values.push_back(ModuleValue::ofPointer(
+                i < texts.size() && !texts[i].empty() ? texts[i].c_str() : nullptr));
             continue;
         }
         double number = 0;

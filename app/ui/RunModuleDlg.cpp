@@ -134,10 +134,9 @@ QWidget* wordEditor(const CModuleValueSpec& spec, const std::string& text, int s
         QObject::connect(button, &QPushButton::clicked, line, [=] {
             uint32_t value = 0;
             word(value);
-            const QColor chosen =
-                QColorDialog::getColor(QColor::fromRgba(value), button,
-                                       QString::fromStdString(spec.m_Name),
-                                       QColorDialog::ShowAlphaChannel);
+            const QColor chosen = QColorDialog::getColor(QColor::fromRgba(value), button,
+                                                         QString::fromStdString(spec.m_Name),
+                                                         QColorDialog::ShowAlphaChannel);
             if (!chosen.isValid()) return;
             setWord(chosen.rgba());
             paint();

@@ -54,8 +54,8 @@ std::unique_ptr<CTavixImage> ramp(const std::string& name) {
     auto image = MakeImage(7, 5, 32, name);
     for (int y = 0; y < 5; ++y)
         for (int x = 0; x < 7; ++x) {
-            const uint32_t argb = 0xFF000000u | uint32_t(x * 30) << 16 | uint32_t(y * 50) << 8 |
-                                  uint32_t(x + y);
+            const uint32_t argb =
+                0xFF000000u | uint32_t(x * 30) << 16 | uint32_t(y * 50) << 8 | uint32_t(x + y);
             memcpy(image->GetPixelAddress(x, y), &argb, 4);
         }
     return image;
@@ -71,15 +71,15 @@ struct Dialog {
                 const CModuleSpec* spec = FindModuleSpec(values.m_Module);
                 std::string error;
                 const std::vector<std::string> texts = values.Texts();
-                const std::vector<ModuleValue> moduleValues = ModuleValuesFromTexts(*spec, texts, error);
-                return source.RunModule(spec->m_Index, moduleValues.data(), int(moduleValues.size()));
+                const std::vector<ModuleValue> moduleValues =
+                    ModuleValuesFromTexts(*spec, texts, error);
+                return source.RunModule(spec->m_Index, moduleValues.data(),
+                                        int(moduleValues.size()));
             };
         }
         dialog = std::make_unique<CRunModuleDlg>(data, nullptr);
     }
-    template <typename W> W* find(const QString& name) const {
-        return dialog->findChild<W*>(name);
-    }
+    template <typename W> W* find(const QString& name) const { return dialog->findChild<W*>(name); }
     CRunModuleDlgData data;
     std::unique_ptr<CRunModuleDlg> dialog;
 };
@@ -97,16 +97,16 @@ TEST(RunModuleDialog, BuildsTheControlsTheDescriptorAsksFor) {
         {"Creep", 1, Spin, 1, 255, 1},
         {"Flip", 0, List, 4, 0, 1},
         {"Crop", 3, List, 4, 0, 0},
-        {"ColBal", 2, Check, 0, 0, 1},        // 0..1 integer: a check box
+        {"ColBal", 2, Check, 0, 0, 1}, // 0..1 integer: a check box
         {"Gamma", 0, RealSpin, 0.01, 10, 1},
         {"HSL", 2, Mask, 0, 0, 0xFFFFFFFF},
-        {"Blend", 0, List, 11, 0, 0},         // an integer whose names cover its range
+        {"Blend", 0, List, 11, 0, 0}, // an integer whose names cover its range
         {"Blend", 5, List, 3, 0, 0},
         {"Blend", 4, Mask, 0, 0, 0xFFFFFFFF},
         {"Rot", 0, List, 4, 0, 1},
-        {"Pixel", 0, None, 0, 0, 0},          // a program's handle: not shown
+        {"Pixel", 0, None, 0, 0, 0}, // a program's handle: not shown
         {"Pixel", 1, Line, 0, 0, 0},
-        {"Size", 0, Spin, 1, 2147483647, 1},  // no upper limit in the descriptor
+        {"Size", 0, Spin, 1, 2147483647, 1}, // no upper limit in the descriptor
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.module) + " slot " + std::to_string(c.slot));
@@ -232,7 +232,8 @@ TEST(RunModuleDialog, ValuesOutsideTheirRangeAreRefusedByName) {
         {"Creep", "0xFF00FF00,255", ""},
         {"Gamma", "0.001", "AlphaGamma: 0.001 is outside the range 0.01 to 10."},
         {"Gamma", "1,x", "RedGamma: 'x' is not a number (0.01 to 10)."},
-        {"Flip", "Sideways", "Direction: 'Sideways' is not one of None, Horizontal, Vertical, Both."},
+        {"Flip", "Sideways",
+         "Direction: 'Sideways' is not one of None, Horizontal, Vertical, Both."},
         {"Flip", "2", ""},
         {"Rot", "90", ""}, // a choice named like a number is taken by its name
         {"Flip", "1,2", "Flip takes 1 values, not 2."},
@@ -314,9 +315,7 @@ TEST(RunModuleDialog, PreviewFollowsTheValuesAndLeavesTheSourceAlone) {
     Dialog d("Flip", image.get());
     auto* pane = d.dialog->findChild<CPreviewPane*>();
     ASSERT_TRUE(pane && pane->GetAfter());
-    const struct {
-        int direction;
-    } cases[] = {{2}, {3}, {0}};
+    const struct { int direction; } cases[] = {{2}, {3}, {0}};
     for (const auto& c : cases) {
         d.find<QComboBox>("value0")->setCurrentIndex(c.direction);
         const ModuleValue value = ModuleValue::ofInt(c.direction);
@@ -343,14 +342,22 @@ TEST(RunModuleCommand, OkFiltersTheSelectionAndUndoRestoresItExactly) {
         const char* undoName;
         const char* stored;
     } cases[] = {
-        {"Flip", [](Dialog& d) { d.find<QComboBox>("value0")->setCurrentIndex(2); },
-         {ModuleValue::ofInt(2)}, "Undo Flip", "Vertical"},
-        {"Gamma", [](Dialog& d) { d.find<QDoubleSpinBox>("value2")->setValue(2); },
+        {"Flip",
+         [](Dialog& d) { d.find<QComboBox>("value0")->setCurrentIndex(2); },
+         {ModuleValue::ofInt(2)},
+         "Undo Flip",
+         "Vertical"},
+        {"Gamma",
+         [](Dialog& d) { d.find<QDoubleSpinBox>("value2")->setValue(2); },
          {ModuleValue::ofReal(1), ModuleValue::ofReal(1), ModuleValue::ofReal(2),
           ModuleValue::ofReal(1)},
-         "Undo Gamma Correct", "1,1,2,1"},
-        {"invert", [](Dialog& d) { d.find<QCheckBox>("value0.B")->setChecked(false); },
-         {ModuleValue::ofUint(0x00FFFF00)}, "Undo Invert ARGB", "0x00FFFF00"},
+         "Undo Gamma Correct",
+         "1,1,2,1"},
+        {"invert",
+         [](Dialog& d) { d.find<QCheckBox>("value0.B")->setChecked(false); },
+         {ModuleValue::ofUint(0x00FFFF00)},
+         "Undo Invert ARGB",
+         "0x00FFFF00"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.module);
@@ -366,8 +373,8 @@ TEST(RunModuleCommand, OkFiltersTheSelectionAndUndoRestoresItExactly) {
 
         scripted.Ui().SetDialogHook([&](CDialogData& data) -> std::optional<bool> {
             Dialog d(c.module);
-            d.dialog = std::make_unique<CRunModuleDlg>(static_cast<CRunModuleDlgData&>(data),
-                                                       nullptr);
+            d.dialog =
+                std::make_unique<CRunModuleDlg>(static_cast<CRunModuleDlgData&>(data), nullptr);
             d.dialog->ChooseModule(c.module);
             EXPECT_TRUE(d.dialog->findChild<CPreviewPane*>()) << "a preview of the focus";
             c.edit(d);
