@@ -8,6 +8,7 @@
 #include "codec/FrameIO.h"
 #include "imaging/galloc.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cinttypes>
 #include <climits>
@@ -82,6 +83,10 @@ CModuleValueSpec valueSpec(const ModuleParam& param, int slot) {
         // A maximum below the minimum means the module sets no upper limit.
         if (spec.m_Max < spec.m_Min) spec.m_Max = INT_MAX;
         spec.m_Default = param.defaultValue.asInt();
+        // A module's own default is always a value it takes (Size's 0 for
+        // "the source's size" lies below its declared minimum of 1).
+        spec.m_Min = std::min(spec.m_Min, spec.m_Default);
+        spec.m_Max = std::max(spec.m_Max, spec.m_Default);
         char choices[sizeof param.choices + 1] = {};
         memcpy(choices, param.choices, sizeof param.choices);
         std::vector<std::string> names = splitChoices(choices);
@@ -391,11 +396,10 @@ std::vector<ModuleValue> ModuleValuesFromTexts(const CModuleSpec& spec,
 std::vector<CDialogField> CRunModuleDlgData::GetFields() {
     std::vector<CDialogField> fields;
     fields.push_back({kModuleKey, CDialogField::Text, &m_Module, 0, 0, "", "Module"});
-    m_FieldNames.clear();
+    // The module table's names live as long as the program.
     for (const CModuleSpec& spec : AllModuleSpecs())
-        m_FieldNames.push_back(spec.m_Name);
-    for (const std::string& name : m_FieldNames)
-        fields.push_back({name.c_str(), CDialogField::Text, &m_Settings[name], 0, 0, "", ""});
+        fields.push_back(
+            {spec.m_Name.c_str(), CDialogField::Text, &m_Settings[spec.m_Name], 0, 0, "", ""});
     return fields;
 }
 

@@ -102,9 +102,6 @@ struct CRunModuleDlgData : CDialogData {
     // From and to the settings store.
     void Load();
     void Save() const;
-
-  private:
-    std::vector<std::string> m_FieldNames; // kept alive for GetFields
 };
 
 // The command: the chosen module over each selected image through the

@@ -106,7 +106,7 @@ TEST(RunModuleDialog, BuildsTheControlsTheDescriptorAsksFor) {
         {"Rot", 0, List, 4, 0, 1},
         {"Pixel", 0, None, 0, 0, 0}, // a program's handle: not shown
         {"Pixel", 1, Line, 0, 0, 0},
-        {"Size", 0, Spin, 1, 2147483647, 1}, // no upper limit in the descriptor
+        {"Size", 0, Spin, 0, 2147483647, 0}, // no upper limit; its default 0 below its minimum
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(std::string(c.module) + " slot " + std::to_string(c.slot));
