@@ -345,10 +345,7 @@ void CColourEditorWidget::OnHsvEdited() {
     const uint32_t argb = static_cast<uint32_t>(m_A->value()) << 24 | (colour.rgb() & 0x00FFFFFF);
     // The hue, saturation and value stay as typed: converting the result
     // back could move them (a black has every hue).
-    Commit(argb, -1);
-    uint32_t now = 0;
-    int index = 0;
-    if (ReadSource(now, index) && now == argb) Load(argb, index, true);
+    Commit(argb, -1, true);
 }
 
 void CColourEditorWidget::OnHexEdited() {
@@ -389,7 +386,7 @@ std::optional<uint32_t> CColourEditorWidget::ParseHex(const QString& text, QStri
     return digits.size() == 6 ? (0xFF000000 | value) : value;
 }
 
-void CColourEditorWidget::Commit(uint32_t argb, int index) {
+void CColourEditorWidget::Commit(uint32_t argb, int index, bool keepHsv) {
     if (!m_CanEdit) return;
     if (m_Target == kPaletteEntry) {
         const int entry = PaletteEntry();
@@ -408,7 +405,7 @@ void CColourEditorWidget::Commit(uint32_t argb, int index) {
     // Shows what the slot holds now: a refused command leaves the old colour.
     uint32_t now = argb;
     int nowIndex = index;
-    if (ReadSource(now, nowIndex)) Load(now, nowIndex);
+    if (ReadSource(now, nowIndex)) Load(now, nowIndex, keepHsv && now == argb);
     RefreshCurrentSwatches();
 }
 

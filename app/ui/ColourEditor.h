@@ -82,7 +82,9 @@ class CColourEditorWidget : public QWidget {
 
     // Commits a colour to the edited slot, as a finished field edit does;
     // `index` is the palette index of a current colour (-1: keep it).
-    void Commit(uint32_t argb, int index = -1);
+    // With `keepHsv` the hue, saturation and value fields stay as they
+    // are (they were typed; converting back could move them).
+    void Commit(uint32_t argb, int index = -1, bool keepHsv = false);
 
     // "#AARRGGBB" or "#RRGGBB" (opaque), the '#' optional, blanks around
     // ignored; any other text gives nullopt and, in `error`, what is wrong.
