@@ -59,6 +59,11 @@ std::vector<uint8_t> recordBytes(const CTavixImage& image) {
     return bytes;
 }
 
+void TypeHexInto(CColourEditorWidget* editor, const QString& text) {
+    editor->HexEdit()->setText(text);
+    emit editor->HexEdit()->editingFinished();
+}
+
 // Puts `image` at the end of the document.
 void append(CTavixDoc& doc, std::unique_ptr<CTavixImage> image) {
     doc.InsertImage(doc.GetImageCount(), image.release());
@@ -421,6 +426,80 @@ TEST_F(ColourEditorTest, ThumbnailsKeepTheAspectAreMadeLazilyAndFollowEdits) {
 
     view.ShowThumbnails(false);
     EXPECT_LT(view.verticalHeader()->defaultSectionSize(), CImageListModel::kThumbnailSize);
+}
+
+} // namespace
+
+namespace {
+
+// The editor and the colour bar inside the real main frame.
+class ColourEditorFrameTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        EnsureApplication();
+        ZyColourSelection().Clear();
+        m_Script.Attach(*m_Zy->Ui());
+        m_Profile.Profile().WriteInt("CImageView", "m_bAnimateZoom", 0);
+    }
+    void TearDown() override {
+        m_Zy.reset();
+        ZyColourSelection().Clear();
+        QApplication::processEvents();
+    }
+    CMainFrame* Frame() { return m_Zy->MainFrame(); }
+    QAction* Item(unsigned id) {
+        QAction* action = Frame()->Action(id);
+        EXPECT_NE(action, nullptr) << id;
+        if (action) Frame()->UpdateAction(action);
+        return action;
+    }
+
+    TempProfile m_Profile;
+    ScriptedUi m_Script;
+    std::unique_ptr<CZy> m_Zy = std::make_unique<CZy>();
+};
+
+TEST_F(ColourEditorFrameTest, MenuItemBarSwatchesUndoTextAndThumbnailSwitch) {
+    auto image = MakeImage(4, 4, 8, "pal");
+    const std::string path = WriteFile(m_Profile.Folder(), "pal.tvx", "tvx", {image.get()});
+    ASSERT_TRUE(m_Zy->InitInstance({QString::fromStdString(path)}, &m_Profile.Profile()));
+    CColourEditor* dock = Frame()->ColourEditor();
+    ASSERT_NE(dock, nullptr);
+    EXPECT_FALSE(dock->isVisible());
+    ASSERT_TRUE(Item(ZyIds::ViewColorEditor)->isEnabled());
+    Frame()->OnCommand(ZyIds::ViewColorEditor);
+    EXPECT_TRUE(dock->isVisible());
+
+    // The bar shows the foreground and the fill colour and follows the
+    // settings store; a click edits that colour.
+    CCurrentColourBar* bar = Frame()->CurrentColourBar();
+    ASSERT_NE(bar, nullptr);
+    CCurrentColours::Set(m_Profile.Profile(), 4, {3, 0xFF405060});
+    bar->Refresh();
+    EXPECT_EQ(bar->Swatch(4)->Colour(), 0xFF405060u);
+    EXPECT_NE(bar->Swatch(4)->toolTip().indexOf("fill colour"), -1);
+    emit bar->Swatch(4)->Clicked();
+    EXPECT_EQ(dock->Editor()->Target(), 4);
+    EXPECT_EQ(dock->Editor()->Colour(), 0xFF405060u);
+    emit bar->Swatch(0)->Clicked();
+    TypeHexInto(dock->Editor(), "#FFABCDEF");
+    EXPECT_EQ(bar->Swatch(0)->Colour(), 0xFFABCDEFu) << "the bar hears of the edit at once";
+
+    // A palette entry edit names itself in the Undo item.
+    ZyColourSelection().Select(9);
+    ASSERT_TRUE(dock->Editor()->CanEdit());
+    TypeHexInto(dock->Editor(), "#FF00FF00");
+    EXPECT_EQ(Item(ZyIds::Undo)->text().toStdString(), "Undo Edit Palette Entry\tCtrl+Z");
+    Frame()->OnCommand(ZyIds::Undo);
+    EXPECT_EQ(entryOf(*Frame()->ActiveChild()->GetDocument()->GetImageAt(0), 9), entryOf(*image, 9));
+
+    // Thumbnails: on by default, switched off for every list and remembered.
+    QAction* thumbnails = Item(ZyIds::ViewThumbnails);
+    EXPECT_TRUE(thumbnails->isChecked());
+    Frame()->OnCommand(ZyIds::ViewThumbnails);
+    EXPECT_FALSE(Item(ZyIds::ViewThumbnails)->isChecked());
+    EXPECT_FALSE(Frame()->ActiveChild()->ListView()->ThumbnailsShown());
+    EXPECT_EQ(m_Profile.Profile().GetInt("CImageListView", "m_Thumbnails", 1), 0);
 }
 
 } // namespace
