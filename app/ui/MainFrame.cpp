@@ -214,7 +214,12 @@ void CMainFrame::BuildToolbars() {
     for (const CToolbarDef& toolbar : ToolbarTable()) {
         // The colour reduction bar's lists are wide: it starts a second row
         // rather than vanish behind the first row's overflow arrow.
-        if (QString(toolbar.name) == "ColorReductionBar") addToolBarBreak();
+        if (QString(toolbar.name) == "ColorReductionBar") {
+            // The current colours close the first row, where there is room.
+            m_ColourBar = new CCurrentColourBar(this);
+            addToolBar(m_ColourBar);
+            addToolBarBreak();
+        }
         QToolBar* bar = addToolBar(QString::fromUtf8(toolbar.title));
         bar->setObjectName(toolbar.name);
         bar->setIconSize(QSize(16, 16));
@@ -230,8 +235,10 @@ void CMainFrame::BuildToolbars() {
         m_Toolbars.push_back(bar);
         if (m_ToolbarsMenu) m_ToolbarsMenu->addAction(bar->toggleViewAction());
     }
-    m_ColourBar = new CCurrentColourBar(this);
-    addToolBar(m_ColourBar);
+    if (!m_ColourBar) {
+        m_ColourBar = new CCurrentColourBar(this);
+        addToolBar(m_ColourBar);
+    }
     connect(m_ColourBar, &CCurrentColourBar::EditRequested, this, &CMainFrame::EditCurrentColour);
     m_Toolbars.push_back(m_ColourBar);
     if (m_ToolbarsMenu) m_ToolbarsMenu->addAction(m_ColourBar->toggleViewAction());
