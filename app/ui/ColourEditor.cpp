@@ -77,8 +77,8 @@ void CColourSwatch::paintEvent(QPaintEvent*) {
                                    std::min(kCheck, box.bottom() - y + 1)),
                              dark ? QColor(0xC0, 0xC0, 0xC0) : QColor(0xFF, 0xFF, 0xFF));
         }
-    painter.fillRect(box, QColor(m_Argb >> 16 & 0xFF, m_Argb >> 8 & 0xFF, m_Argb & 0xFF,
-                                 m_Argb >> 24));
+    painter.fillRect(box,
+                     QColor(m_Argb >> 16 & 0xFF, m_Argb >> 8 & 0xFF, m_Argb & 0xFF, m_Argb >> 24));
     painter.setPen(m_Marked ? QPen(palette().highlight().color(), 3) : QPen(Qt::darkGray, 1));
     painter.drawRect(m_Marked ? box.adjusted(1, 1, -1, -1) : box);
     if (text) {
@@ -106,9 +106,8 @@ CColourEditorWidget::CColourEditorWidget(QWidget* parent) : QWidget(parent) {
     slotRow->addWidget(m_PaletteSwatch);
     slotRow->addSpacing(6);
     for (int n = 0; n < CCurrentColours::kCount; ++n) {
-        m_Current[n] = new CColourSwatch(n == CCurrentColours::kFillNumber
-                                             ? QString("%1 Fill").arg(n)
-                                             : QString::number(n));
+        m_Current[n] = new CColourSwatch(
+            n == CCurrentColours::kFillNumber ? QString("%1 Fill").arg(n) : QString::number(n));
         m_Current[n]->setToolTip(swatchTip(n));
         connect(m_Current[n], &CColourSwatch::Clicked, this, [this, n] { EditCurrentColour(n); });
         slotRow->addWidget(m_Current[n]);
@@ -200,14 +199,22 @@ CColourEditorWidget::~CColourEditorWidget() {
 
 QSpinBox* CColourEditorWidget::Channel(char name) const {
     switch (name) {
-    case 'A': return m_A;
-    case 'R': return m_R;
-    case 'G': return m_G;
-    case 'B': return m_B;
-    case 'H': return m_H;
-    case 'S': return m_S;
-    case 'V': return m_V;
-    default: return nullptr;
+    case 'A':
+        return m_A;
+    case 'R':
+        return m_R;
+    case 'G':
+        return m_G;
+    case 'B':
+        return m_B;
+    case 'H':
+        return m_H;
+    case 'S':
+        return m_S;
+    case 'V':
+        return m_V;
+    default:
+        return nullptr;
     }
 }
 
@@ -431,7 +438,8 @@ CCurrentColourBar::CCurrentColourBar(QWidget* parent) : QToolBar("Colors", paren
         swatch->setFixedSize(20, 20);
         swatch->setToolTip(swatchTip(number) + " (" + caption + "): click to edit");
         swatch->setObjectName(QString("CurrentColour%1").arg(number));
-        connect(swatch, &CColourSwatch::Clicked, this, [this, number] { emit EditRequested(number); });
+        connect(swatch, &CColourSwatch::Clicked, this,
+                [this, number] { emit EditRequested(number); });
         addWidget(swatch);
         return swatch;
     };

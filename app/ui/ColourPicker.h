@@ -12,11 +12,11 @@
 // One pixel of a document image.
 struct CPickedPixel {
     bool m_Valid = false;
-    int m_Image = -1;   // document position
+    int m_Image = -1;     // document position
     int m_X = 0, m_Y = 0; // in the image
-    int m_Index = -1;   // the stored palette index; -1 for true-colour images
+    int m_Index = -1;     // the stored palette index; -1 for true-colour images
     uint32_t m_Argb = 0;
-    QString m_Name;     // as the shape list names the image
+    QString m_Name; // as the shape list names the image
 
     // "Pixel 3,4 of hero: index 17, ARGB FF102030" (no index part for
     // true-colour images); empty for no pixel.

@@ -41,7 +41,7 @@ constexpr int kThumbnailGap = 4;
 // long list costs no more than the rows on screen.
 class CThumbnailDelegate : public QStyledItemDelegate {
   public:
-    CThumbnailDelegate(const CImageListView* view) : QStyledItemDelegate(const_cast<CImageListView*>(view)), m_View(view) {}
+    explicit CThumbnailDelegate(CImageListView* view) : QStyledItemDelegate(view), m_View(view) {}
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override {
@@ -55,11 +55,13 @@ class CThumbnailDelegate : public QStyledItemDelegate {
         initStyleOption(&background, index);
         background.text.clear();
         background.icon = QIcon();
+        background.state &= ~QStyle::State_HasFocus; // the name part draws the focus
         m_View->style()->drawControl(QStyle::CE_ItemViewItem, &background, painter, m_View);
         const QImage picture = index.data(CImageListModel::ThumbnailRole).value<QImage>();
         if (!picture.isNull()) {
             const QRect cell = option.rect;
-            const QPoint at(cell.left() + kThumbnailGap / 2 + (CImageListModel::kThumbnailSize - picture.width()) / 2,
+            const QPoint at(cell.left() + kThumbnailGap / 2 +
+                                (CImageListModel::kThumbnailSize - picture.width()) / 2,
                             cell.top() + (cell.height() - picture.height()) / 2);
             painter->drawImage(at, picture);
         }
@@ -390,9 +392,9 @@ void CImageListView::FitNameColumn() {
                           metrics.horizontalAdvance(
                               m_Model->data(m_Model->index(row, 0), Qt::DisplayRole).toString()));
     // The eye icon, its gap and the cell's margins come before the text.
-    const int wanted =
-        widest + iconSize().width() + 3 * style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 12 +
-        (m_Thumbnails ? CImageListModel::kThumbnailSize + kThumbnailGap : 0);
+    const int wanted = widest + iconSize().width() +
+                       3 * style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 12 +
+                       (m_Thumbnails ? CImageListModel::kThumbnailSize + kThumbnailGap : 0);
     setColumnWidth(0, std::clamp(wanted, kListColumns[0].width, kMaxNameWidth));
 }
 

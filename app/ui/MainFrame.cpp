@@ -263,8 +263,8 @@ void CMainFrame::BuildStatusBar() {
     m_Panes[ZoomPane] = makePane("16:1");
     m_PixelPane = new QLabel;
     m_PixelPane->setObjectName("PixelPane");
-    m_PixelPane->setMinimumWidth(
-        m_PixelPane->fontMetrics().horizontalAdvance("Pixel 9999,9999 of image 999: index 255, ARGB FFFFFFFF"));
+    m_PixelPane->setMinimumWidth(m_PixelPane->fontMetrics().horizontalAdvance(
+        "Pixel 9999,9999 of image 999: index 255, ARGB FFFFFFFF"));
     bar->addPermanentWidget(m_PixelPane);
     for (QLabel* pane : m_Panes)
         bar->addPermanentWidget(pane);
@@ -496,7 +496,8 @@ void CMainFrame::RefreshPaletteWell() {
     CChildFrame* child = ActiveChild();
     m_PaletteWell->Well()->SetDocument(child ? child->GetDocument() : nullptr);
     if (m_Properties) m_Properties->SetDocument(child ? child->GetDocument() : nullptr);
-    if (m_ColourEditor) m_ColourEditor->Editor()->SetDocument(child ? child->GetDocument() : nullptr);
+    if (m_ColourEditor)
+        m_ColourEditor->Editor()->SetDocument(child ? child->GetDocument() : nullptr);
     if (m_ColourBar) m_ColourBar->Refresh();
 }
 

@@ -127,11 +127,8 @@ TEST_F(ColourEditorTest, ChannelsAndHueSaturationValueFollowEachOther) {
         int h, s, v;
         uint32_t argb;
     } fromHsv[] = {
-        {120, 255, 255, 0x0000FF00},
-        {240, 255, 128, 0x00000080},
-        {300, 255, 255, 0x00FF00FF},
-        {300, 0, 77, 0x004D4D4D},
-        {30, 0, 0, 0x00000000},
+        {120, 255, 255, 0x0000FF00}, {240, 255, 128, 0x00000080}, {300, 255, 255, 0x00FF00FF},
+        {300, 0, 77, 0x004D4D4D},    {30, 0, 0, 0x00000000},
     };
     TypeHex(editor.HexEdit(), "#00000000");
     for (const FromHsv& c : fromHsv) {
@@ -154,14 +151,10 @@ TEST_F(ColourEditorTest, HexFieldTakesGoodTextAndRefusesBadTextWithTheReason) {
         uint32_t argb;
         const char* reason;
     } cases[] = {
-        {"#FF102030", true, 0xFF102030, ""},
-        {"80abcdef", true, 0x80ABCDEF, ""},
-        {"  #102030 ", true, 0xFF102030, ""},
-        {"#12G45678", false, 0, "not hexadecimal digits"},
-        {"#12345", false, 0, "has 5 digits"},
-        {"#123456789", false, 0, "has 9 digits"},
-        {"", false, 0, "No colour was given"},
-        {"#", false, 0, "No colour was given"},
+        {"#FF102030", true, 0xFF102030, ""},   {"80abcdef", true, 0x80ABCDEF, ""},
+        {"  #102030 ", true, 0xFF102030, ""},  {"#12G45678", false, 0, "not hexadecimal digits"},
+        {"#12345", false, 0, "has 5 digits"},  {"#123456789", false, 0, "has 9 digits"},
+        {"", false, 0, "No colour was given"}, {"#", false, 0, "No colour was given"},
     };
     CColourEditorWidget editor;
     editor.EditCurrentColour(2);
@@ -380,7 +373,10 @@ TEST_F(ColourEditorTest, ThumbnailsKeepTheAspectAreMadeLazilyAndFollowEdits) {
         int width, height, bpp;
         QSize expected;
     } shapes[] = {
-        {64, 32, 32, {32, 16}}, {8, 8, 8, {32, 32}}, {3, 300, 32, {1, 32}}, {100, 40, 8, {32, 13}},
+        {64, 32, 32, {32, 16}},
+        {8, 8, 8, {32, 32}},
+        {3, 300, 32, {1, 32}},
+        {100, 40, 8, {32, 13}},
     };
     for (const Shape& s : shapes)
         append(doc, MakeImage(s.width, s.height, s.bpp, "", 0xFF0000FF));
@@ -491,7 +487,8 @@ TEST_F(ColourEditorFrameTest, MenuItemBarSwatchesUndoTextAndThumbnailSwitch) {
     TypeHexInto(dock->Editor(), "#FF00FF00");
     EXPECT_EQ(Item(ZyIds::Undo)->text().toStdString(), "Undo Edit Palette Entry\tCtrl+Z");
     Frame()->OnCommand(ZyIds::Undo);
-    EXPECT_EQ(entryOf(*Frame()->ActiveChild()->GetDocument()->GetImageAt(0), 9), entryOf(*image, 9));
+    EXPECT_EQ(entryOf(*Frame()->ActiveChild()->GetDocument()->GetImageAt(0), 9),
+              entryOf(*image, 9));
 
     // Thumbnails: on by default, switched off for every list and remembered.
     QAction* thumbnails = Item(ZyIds::ViewThumbnails);
