@@ -427,6 +427,11 @@ CColourEditor::CColourEditor(QWidget* parent) : QDockWidget("Color Editor", pare
     setObjectName("ColorEditor");
     m_Editor = new CColourEditorWidget;
     setWidget(m_Editor);
+    // A closed editor shows no Pick button, so it must not leave the
+    // worksheet picking.
+    connect(this, &QDockWidget::visibilityChanged, this, [](bool visible) {
+        if (!visible) ZyColourPicker().SetArmed(false);
+    });
 }
 
 // ---- Toolbar ----------------------------------------------------------------------------------
