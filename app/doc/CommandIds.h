@@ -82,8 +82,9 @@ enum : unsigned {
     HelpAbout,
     SendToDisplayCard,
 
-    // Tools that have no implementation yet: always disabled.
+    // The colour editor window (the frame's own item).
     ViewColorEditor,
+    // Tools that have no implementation yet: always disabled.
     ViewProperties,
     AnimatePreviewImage,
     AnimatePreviewWorksheet,
@@ -131,6 +132,9 @@ enum : unsigned {
     ClearHighlight,
     Highlight0, // Highlight0 + n highlights palette entry n, n = 0..19
     HighlightLast = Highlight0 + 19,
+
+    // Shape list thumbnails on or off (the frame switches every list).
+    ViewThumbnails,
 
     LastUiId,
 };

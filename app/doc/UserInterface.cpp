@@ -28,8 +28,7 @@ void CUserInterface::ReportCrash(const std::string& line) {
 }
 
 CCurrentColour CUserInterface::GetCurrentColour(int number) const {
-    const CCurrentColours pair = CCurrentColours::Read(ZyProfile());
-    return number == CCurrentColours::kFillNumber ? pair.m_Background : pair.m_Foreground;
+    return CCurrentColours::Get(ZyProfile(), number);
 }
 
 void CUserInterface::OfferClipboardImages(const std::vector<const CTavixImage*>&) {}

@@ -135,10 +135,9 @@ class CUserInterface {
     virtual void ReportCrash(const std::string& line);
 
     // The application's current colour `number` (the colour editor's wells).
-    // Until the colour editor keeps its wells, the base answers from the
-    // foreground and background pair in the settings store (CurrentColours.h):
-    // number 4, the fill colour, is the background, every other number the
-    // foreground.
+    // The base answers from the settings store (CurrentColours.h): number 0
+    // is the foreground, number 4 the fill colour; a number outside the
+    // colours kept means the foreground.
     virtual CCurrentColour GetCurrentColour(int number) const;
 
     // The palette entries selected in the palette well, ascending.

@@ -6,6 +6,8 @@
 #include "app/doc/TavixImage.h"
 #include "app/ui/IconFactory.h"
 #include "app/ui/ImageListFormat.h"
+#include "app/ui/Thumbnail.h"
+#include "app/doc/CRange.h"
 
 #include <algorithm>
 
@@ -55,6 +57,8 @@ QVariant CImageListModel::data(const QModelIndex& index, int role) const {
         return {};
     case Qt::TextAlignmentRole:
         return alignmentOf(index.column());
+    case ThumbnailRole:
+        return Thumbnail(*image);
     default:
         return {};
     }
@@ -86,4 +90,31 @@ Qt::ItemFlags CImageListModel::flags(const QModelIndex& index) const {
 
 Qt::DropActions CImageListModel::supportedDropActions() const {
     return Qt::CopyAction | Qt::MoveAction;
+}
+
+QImage CImageListModel::Thumbnail(const CTavixImage& image) const {
+    const uint64_t stamp = ThumbnailStamp(image);
+    auto found = m_Thumbnails.find(&image);
+    if (found != m_Thumbnails.end() && found->second.stamp == stamp) return found->second.image;
+    ++m_ThumbnailRenders;
+    QImage picture = RenderThumbnail(image, kThumbnailSize);
+    m_Thumbnails[&image] = {stamp, picture};
+    return picture;
+}
+
+void CImageListModel::InvalidateThumbnails(const CRange& range) {
+    for (int i = 0; i < range.GetSize(); ++i)
+        if (range.IsSelected(i))
+            if (const CTavixImage* image = m_Doc->GetImageAt(i)) m_Thumbnails.erase(image);
+}
+
+void CImageListModel::PruneThumbnails() {
+    if (m_Thumbnails.empty()) return;
+    std::unordered_map<const CTavixImage*, CachedThumbnail> kept;
+    for (int i = 0; i < m_Doc->GetImageCount(); ++i) {
+        const CTavixImage* image = m_Doc->GetImageAt(i);
+        auto found = m_Thumbnails.find(image);
+        if (found != m_Thumbnails.end()) kept.insert(*found);
+    }
+    m_Thumbnails.swap(kept);
 }

@@ -22,12 +22,68 @@
 #include <QFontMetrics>
 #include <QHeaderView>
 #include <QMimeData>
+#include <QPainter>
 #include <QStyle>
+#include <QStyledItemDelegate>
 #include <QUrl>
 
 #include <algorithm>
 
 using namespace ZyIds;
+
+namespace {
+
+constexpr const char* kListSection = "CImageListView";
+constexpr int kThumbnailGap = 4;
+
+// The Name column with the image's thumbnail in a fixed slot before the
+// eye icon and the name. Only painted rows ask for their thumbnails, so a
+// long list costs no more than the rows on screen.
+class CThumbnailDelegate : public QStyledItemDelegate {
+  public:
+    explicit CThumbnailDelegate(CImageListView* view) : QStyledItemDelegate(view), m_View(view) {}
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        if (!m_View->ThumbnailsShown()) {
+            QStyledItemDelegate::paint(painter, option, index);
+            return;
+        }
+        constexpr int slot = CImageListModel::kThumbnailSize + kThumbnailGap;
+        // The selection colour spans the whole cell, thumbnail included.
+        QStyleOptionViewItem background = option;
+        initStyleOption(&background, index);
+        background.text.clear();
+        background.icon = QIcon();
+        background.state &= ~QStyle::State_HasFocus; // the name part draws the focus
+        m_View->style()->drawControl(QStyle::CE_ItemViewItem, &background, painter, m_View);
+        const QImage picture = index.data(CImageListModel::ThumbnailRole).value<QImage>();
+        if (!picture.isNull()) {
+            const QRect cell = option.rect;
+            const QPoint at(cell.left() + kThumbnailGap / 2 +
+                                (CImageListModel::kThumbnailSize - picture.width()) / 2,
+                            cell.top() + (cell.height() - picture.height()) / 2);
+            painter->drawImage(at, picture);
+        }
+        QStyleOptionViewItem rest = option;
+        rest.rect.setLeft(option.rect.left() + slot);
+        QStyledItemDelegate::paint(painter, rest, index);
+    }
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        QSize size = QStyledItemDelegate::sizeHint(option, index);
+        if (m_View->ThumbnailsShown()) {
+            size.rwidth() += CImageListModel::kThumbnailSize + kThumbnailGap;
+            size.setHeight(std::max(size.height(), CImageListModel::kThumbnailSize + 2));
+        }
+        return size;
+    }
+
+  private:
+    const CImageListView* m_View;
+};
+
+} // namespace
 
 CSelectWildcardState& SelectWildcardState() {
     static CSelectWildcardState state;
@@ -45,6 +101,8 @@ CImageListView::CImageListView(CTavixDoc* doc, QWidget* parent) : QTableView(par
     setShowGrid(false);
     setWordWrap(false);
     setIconSize(QSize(16, 16));
+    setItemDelegateForColumn(0, new CThumbnailDelegate(this));
+    m_Thumbnails = ThumbnailsSetting();
     // F2 and a double click edit a name in place; the edit is a command.
     setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::DoubleClicked);
     verticalHeader()->hide();
@@ -66,7 +124,25 @@ CImageListView::CImageListView(CTavixDoc* doc, QWidget* parent) : QTableView(par
     m_AnimTimer.setTimerType(Qt::PreciseTimer);
     connect(&m_AnimTimer, &QTimer::timeout, this, &CImageListView::AnimationTick);
     m_Doc->AddView(this);
+    ShowThumbnails(m_Thumbnails);
     OnUpdate(nullptr, 0, nullptr);
+}
+
+bool CImageListView::ThumbnailsSetting() {
+    return ZyProfile().GetInt(kListSection, "m_Thumbnails", 1) != 0;
+}
+
+void CImageListView::WriteThumbnailsSetting(bool shown) {
+    ZyProfile().WriteInt(kListSection, "m_Thumbnails", shown ? 1 : 0);
+}
+
+void CImageListView::ShowThumbnails(bool shown) {
+    m_Thumbnails = shown;
+    const int textRow = fontMetrics().height() + 4;
+    verticalHeader()->setDefaultSectionSize(
+        shown ? std::max(textRow, CImageListModel::kThumbnailSize + 2) : textRow);
+    FitNameColumn();
+    viewport()->update();
 }
 
 CImageListView::~CImageListView() {
@@ -316,18 +392,28 @@ void CImageListView::FitNameColumn() {
                           metrics.horizontalAdvance(
                               m_Model->data(m_Model->index(row, 0), Qt::DisplayRole).toString()));
     // The eye icon, its gap and the cell's margins come before the text.
-    const int wanted =
-        widest + iconSize().width() + 3 * style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 12;
+    const int wanted = widest + iconSize().width() +
+                       3 * style()->pixelMetric(QStyle::PM_FocusFrameHMargin) + 12 +
+                       (m_Thumbnails ? CImageListModel::kThumbnailSize + kThumbnailGap : 0);
     setColumnWidth(0, std::clamp(wanted, kListColumns[0].width, kMaxNameWidth));
 }
 
 void CImageListView::OnUpdate(CView*, long, CObject* hint) {
-    if (dynamic_cast<CModifiedHint*>(hint)) {
+    if (auto* modified = dynamic_cast<CModifiedHint*>(hint)) {
+        // Only what the hint names is drawn again; with the whole-document
+        // mark (or an empty range) every thumbnail may be stale.
+        if (modified->m_Range.GetSize() > 0)
+            m_Model->InvalidateThumbnails(modified->m_Range);
+        else
+            m_Model->PruneThumbnails();
         m_Model->RefreshCells();
         FitNameColumn(); // a rename may have made a name longer
         viewport()->update();
         return;
     }
+    // Images came or went: forget those that went, so that a new image made
+    // where an old one lay never shows the old picture.
+    m_Model->PruneThumbnails();
     if (dynamic_cast<CDeleteHint*>(hint)) {
         const int oldFocus = GetFocusIndex();
         SetRowCountFromDocument();

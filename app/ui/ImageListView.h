@@ -86,6 +86,13 @@ class CImageListView : public QTableView, public CView, public CCommandTarget {
     // Starts editing the focused image's name in place (F2).
     void EditFocusedName();
 
+    // Thumbnails beside the names (setting "CImageListView"/"m_Thumbnails",
+    // default on; the frame's View item switches every list).
+    bool ThumbnailsShown() const { return m_Thumbnails; }
+    void ShowThumbnails(bool shown);
+    static bool ThumbnailsSetting();
+    static void WriteThumbnailsSetting(bool shown);
+
   signals:
     // The view got the keyboard focus: it is now its frame's active view.
     void Activated();
@@ -128,6 +135,7 @@ class CImageListView : public QTableView, public CView, public CCommandTarget {
     int m_AnimDirection = 0;
     CRange m_AnimSet;
     bool m_SelectionCaptured = false;
+    bool m_Thumbnails = true;
 };
 
 // The last expression and mode of the range-expression dialog, kept while

@@ -10,6 +10,7 @@
 #include "app/doc/UserInterface.h"
 #include "app/ui/CaptionStrip.h"
 #include "app/doc/CommandIds.h"
+#include "app/ui/ImageListFormat.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -74,6 +75,15 @@ CImageView::CImageView(CTavixDoc* doc, QWidget* parent)
     horizontalScrollBar()->setSingleStep(16);
     verticalScrollBar()->setSingleStep(16);
     m_Doc->AddView(this);
+    // The pointer becomes a cross hair while the colour picker is armed.
+    auto showPicking = [this](bool armed) {
+        if (armed)
+            viewport()->setCursor(Qt::CrossCursor);
+        else
+            viewport()->unsetCursor();
+    };
+    connect(&ZyColourPicker(), &CColourPicker::ArmedChanged, this, showPicking);
+    showPicking(ZyColourPicker().IsArmed());
     // A new view applies its zoom once (with the animation, when shown).
     SetZoom(m_Zoom);
 }
@@ -288,6 +298,7 @@ void CImageView::wheelEvent(QWheelEvent* event) {
 
 void CImageView::mouseMoveEvent(QMouseEvent* event) {
     m_Mouse = event->position().toPoint();
+    emit PixelInfoChanged(PixelInfoText());
     if (m_Drag != NoDrag) {
         m_CurrentWs = ToWorksheet(m_Mouse);
         viewport()->update();
@@ -297,6 +308,7 @@ void CImageView::mouseMoveEvent(QMouseEvent* event) {
 
 void CImageView::leaveEvent(QEvent* event) {
     m_Mouse = {-1, -1};
+    emit PixelInfoChanged({});
     QAbstractScrollArea::leaveEvent(event);
 }
 
@@ -307,6 +319,12 @@ void CImageView::mousePressEvent(QMouseEvent* event) {
         return;
     }
     const QPoint ws = ToWorksheet(event->position().toPoint());
+    if (ZyColourPicker().IsArmed()) {
+        // Picking takes the colour and leaves selection and images alone.
+        const CPickedPixel pixel = PixelAt(ws);
+        if (pixel.m_Valid) ZyColourPicker().Pick(pixel);
+        return;
+    }
     m_PressWs = m_CurrentWs = ws;
     CSelectionModel& selection = m_Doc->GetSelectionModel();
     const Qt::KeyboardModifiers mods = event->modifiers();
@@ -518,6 +536,37 @@ std::string CImageView::PositionPaneText() const {
     char text[32];
     snprintf(text, sizeof text, "%d,%d", x, y);
     return text;
+}
+
+CPickedPixel CImageView::PixelAt(const QPoint& ws) const {
+    CPickedPixel pixel;
+    if (m_Doc->GetImageCount() == 0) return pixel;
+    const CSheetScene scene = BuildScene();
+    const std::vector<int> order = DrawingOrder(scene, m_Settings);
+    // The last image drawn is the one on top.
+    for (auto it = order.rbegin(); it != order.rend(); ++it) {
+        const CTavixImage* image = m_Doc->GetImageAt(*it);
+        const int d = VramDivisor(m_Settings.m_ViewMode, image->GetBpp());
+        const CPoint at = image->GetDefaultPoint();
+        const int units = (image->GetWidth() + d - 1) / d;
+        if (ws.x() < at.x || ws.y() < at.y || ws.x() >= at.x + units ||
+            ws.y() >= at.y + image->GetHeight())
+            continue;
+        pixel.m_Valid = true;
+        pixel.m_Image = *it;
+        pixel.m_X = std::min((ws.x() - at.x) * d, image->GetWidth() - 1);
+        pixel.m_Y = ws.y() - at.y;
+        pixel.m_Index = image->GetBitCount() <= 8 ? image->GetIndex(pixel.m_X, pixel.m_Y) : -1;
+        pixel.m_Argb = image->GetPixelValue(pixel.m_X, pixel.m_Y);
+        pixel.m_Name = QString::fromStdString(ImageCellText(*image, *it, 0));
+        return pixel;
+    }
+    return pixel;
+}
+
+QString CImageView::PixelInfoText() const {
+    if (m_Mouse.x() < 0) return {};
+    return PixelAt(ToWorksheet(m_Mouse)).Text();
 }
 
 // ---- Updates ------------------------------------------------------------------------------------

@@ -7,6 +7,7 @@
 // engine into one reused back buffer covering only the area to repaint.
 
 #include "app/doc/View.h"
+#include "app/ui/ColourPicker.h"
 #include "app/ui/CommandTarget.h"
 #include "app/ui/ImageViewSettings.h"
 #include "app/ui/WorksheetPainter.h"
@@ -69,8 +70,18 @@ class CImageView : public QAbstractScrollArea, public CView, public CCommandTarg
     // The part of the viewport an update hint invalidated last.
     QRegion LastInvalidated() const { return m_LastInvalidated; }
 
+    // The pixel of the topmost shown image at worksheet pixel `ws`; not
+    // valid over the background.
+    CPickedPixel PixelAt(const QPoint& ws) const;
+    // The pixel under the pointer as the status bar shows it ("Pixel 3,4 of
+    // hero: index 17, ARGB FF102030"); empty when the pointer is not over
+    // a shown image.
+    QString PixelInfoText() const;
+
   signals:
     void Activated();
+    // The pointer moved onto, over or off a pixel (the text as above).
+    void PixelInfoChanged(const QString& text);
 
   protected:
     void paintEvent(QPaintEvent* event) override;

@@ -4,6 +4,9 @@
 #include "app/doc/UserInterface.h"
 #include "app/ui/ChildFrame.h"
 #include "app/ui/ColRedToolbar.h"
+#include "app/ui/ColourEditor.h"
+#include "app/ui/ImageListView.h"
+#include "app/ui/ImageView.h"
 #include "app/doc/CommandIds.h"
 #include "app/ui/IconFactory.h"
 #include "app/ui/MenuTable.h"
@@ -88,6 +91,19 @@ bool CMainFrame::Create() {
     connect(m_Properties, &CPropertiesDock::CommandRun, this, [this] {
         if (CChildFrame* child = ActiveChild()) child->RefreshTitle();
         UpdateAllActions();
+    });
+
+    // The colour editor edits the active document's palette entries and the
+    // current colours; the colour bar shows two of the latter.
+    m_ColourEditor = new CColourEditor(this);
+    addDockWidget(Qt::RightDockWidgetArea, m_ColourEditor);
+    m_ColourEditor->hide();
+    connect(m_ColourEditor->Editor(), &CColourEditorWidget::CommandRun, this, [this] {
+        if (CChildFrame* child = ActiveChild()) child->RefreshTitle();
+        UpdateAllActions();
+    });
+    connect(m_ColourEditor->Editor(), &CColourEditorWidget::CurrentColoursChanged, this, [this] {
+        if (m_ColourBar) m_ColourBar->Refresh();
     });
 
     BuildMenus();
@@ -198,7 +214,12 @@ void CMainFrame::BuildToolbars() {
     for (const CToolbarDef& toolbar : ToolbarTable()) {
         // The colour reduction bar's lists are wide: it starts a second row
         // rather than vanish behind the first row's overflow arrow.
-        if (QString(toolbar.name) == "ColorReductionBar") addToolBarBreak();
+        if (QString(toolbar.name) == "ColorReductionBar") {
+            // The current colours close the first row, where there is room.
+            m_ColourBar = new CCurrentColourBar(this);
+            addToolBar(m_ColourBar);
+            addToolBarBreak();
+        }
         QToolBar* bar = addToolBar(QString::fromUtf8(toolbar.title));
         bar->setObjectName(toolbar.name);
         bar->setIconSize(QSize(16, 16));
@@ -214,6 +235,13 @@ void CMainFrame::BuildToolbars() {
         m_Toolbars.push_back(bar);
         if (m_ToolbarsMenu) m_ToolbarsMenu->addAction(bar->toggleViewAction());
     }
+    if (!m_ColourBar) {
+        m_ColourBar = new CCurrentColourBar(this);
+        addToolBar(m_ColourBar);
+    }
+    connect(m_ColourBar, &CCurrentColourBar::EditRequested, this, &CMainFrame::EditCurrentColour);
+    m_Toolbars.push_back(m_ColourBar);
+    if (m_ToolbarsMenu) m_ToolbarsMenu->addAction(m_ColourBar->toggleViewAction());
     if (m_ToolbarsMenu) {
         m_ToolbarsMenu->addSeparator();
         QAction* status = m_ToolbarsMenu->addAction("&Status Bar");
@@ -223,6 +251,7 @@ void CMainFrame::BuildToolbars() {
         m_ToolbarsMenu->addAction(m_Output->toggleViewAction());
         m_ToolbarsMenu->addAction(m_PaletteWell->toggleViewAction());
         m_ToolbarsMenu->addAction(m_Properties->toggleViewAction());
+        m_ToolbarsMenu->addAction(m_ColourEditor->toggleViewAction());
     }
 }
 
@@ -232,6 +261,11 @@ void CMainFrame::BuildStatusBar() {
     m_Panes[SizePane] = makePane("999KB");
     m_Panes[PositionPane] = makePane("-9999,-9999");
     m_Panes[ZoomPane] = makePane("16:1");
+    m_PixelPane = new QLabel;
+    m_PixelPane->setObjectName("PixelPane");
+    m_PixelPane->setMinimumWidth(m_PixelPane->fontMetrics().horizontalAdvance(
+        "Pixel 9999,9999 of image 999: index 255, ARGB FFFFFFFF"));
+    bar->addPermanentWidget(m_PixelPane);
     for (QLabel* pane : m_Panes)
         bar->addPermanentWidget(pane);
     bar->showMessage("Ready");
@@ -288,6 +322,9 @@ QMdiSubWindow* CMainFrame::AddChild(CChildFrame* child) {
     CPropertiesDock* properties = m_Properties;
     connect(child, &QObject::destroyed, properties,
             [properties] { properties->SetDocument(nullptr); });
+    CColourEditorWidget* editor = m_ColourEditor->Editor();
+    connect(child, &QObject::destroyed, editor, [editor] { editor->SetDocument(nullptr); });
+    connect(child->ImageView(), &CImageView::PixelInfoChanged, m_PixelPane, &QLabel::setText);
     QMdiSubWindow* window = m_MdiArea->addSubWindow(child);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->resize(child->size());
@@ -297,7 +334,26 @@ QMdiSubWindow* CMainFrame::AddChild(CChildFrame* child) {
     return window;
 }
 
+void CMainFrame::EditCurrentColour(int number) {
+    m_ColourEditor->Editor()->EditCurrentColour(number);
+    m_ColourEditor->show();
+    m_ColourEditor->raise();
+}
+
 bool CMainFrame::FrameCommand(unsigned id) {
+    if (id == ViewColorEditor) {
+        m_ColourEditor->show();
+        m_ColourEditor->raise();
+        RefreshPaletteWell();
+        return true;
+    }
+    if (id == ViewThumbnails) {
+        const bool shown = !CImageListView::ThumbnailsSetting();
+        CImageListView::WriteThumbnailsSetting(shown);
+        for (CChildFrame* child : Children())
+            child->ListView()->ShowThumbnails(shown);
+        return true;
+    }
     if (id != ViewProperties && id != ShapeProperties) return false;
     m_Properties->show();
     m_Properties->raise();
@@ -306,6 +362,15 @@ bool CMainFrame::FrameCommand(unsigned id) {
 }
 
 bool CMainFrame::FrameUpdate(CUiCmdUI& ui) {
+    if (ui.m_nID == ViewColorEditor) {
+        ui.Enable(true);
+        return true;
+    }
+    if (ui.m_nID == ViewThumbnails) {
+        ui.Enable(true);
+        ui.SetCheck(CImageListView::ThumbnailsSetting());
+        return true;
+    }
     if (ui.m_nID != ViewProperties && ui.m_nID != ShapeProperties) return false;
     ui.Enable(true);
     return true;
@@ -431,6 +496,9 @@ void CMainFrame::RefreshPaletteWell() {
     CChildFrame* child = ActiveChild();
     m_PaletteWell->Well()->SetDocument(child ? child->GetDocument() : nullptr);
     if (m_Properties) m_Properties->SetDocument(child ? child->GetDocument() : nullptr);
+    if (m_ColourEditor)
+        m_ColourEditor->Editor()->SetDocument(child ? child->GetDocument() : nullptr);
+    if (m_ColourBar) m_ColourBar->Refresh();
 }
 
 void CMainFrame::OnSubWindowActivated(QMdiSubWindow* window) {

@@ -14,6 +14,8 @@
 #include <map>
 
 class CChildFrame;
+class CColourEditor;
+class CCurrentColourBar;
 class COutputWindow;
 class CPaletteWell;
 class CPropertiesDock;
@@ -44,6 +46,12 @@ class CMainFrame : public QMainWindow {
     COutputWindow* OutputWindow() const { return m_Output; }
     CPaletteWell* PaletteWell() const { return m_PaletteWell; }
     CPropertiesDock* Properties() const { return m_Properties; }
+    CColourEditor* ColourEditor() const { return m_ColourEditor; }
+    CCurrentColourBar* CurrentColourBar() const { return m_ColourBar; }
+    // Shows the colour editor on current colour `number`.
+    void EditCurrentColour(int number);
+    // The status-bar pane with the pixel under the pointer.
+    QLabel* PixelPane() const { return m_PixelPane; }
 
     QAction* Action(unsigned id) const;
     QMenu* Menu(const QString& title) const;
@@ -91,6 +99,9 @@ class CMainFrame : public QMainWindow {
     COutputWindow* m_Output = nullptr;
     CPaletteWell* m_PaletteWell = nullptr;
     CPropertiesDock* m_Properties = nullptr;
+    CColourEditor* m_ColourEditor = nullptr;
+    CCurrentColourBar* m_ColourBar = nullptr;
+    QLabel* m_PixelPane = nullptr;
     // The frame's own items (the docked windows); true when `id` is one.
     bool FrameCommand(unsigned id);
     bool FrameUpdate(CUiCmdUI& ui);

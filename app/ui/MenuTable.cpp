@@ -128,7 +128,9 @@ std::vector<CMenuItem> buildView() {
              separator(), item("Write A&lpha", WriteAlpha, "Toggle write state for alpha channel"),
              item("Write R&GB", WriteRGB, "Toggle write state for RGB channels")}),
         separator(),
-        item("Color &Editor", ViewColorEditor, "Show the colour editor"),
+        item("Color &Editor", ViewColorEditor, "Show the colour editor\nColor Editor"),
+        toggle("Shape List T&humbnails", ViewThumbnails,
+               "Show small pictures of the images in the shape list\nThumbnails"),
         item("P&roperties\tAlt+Enter", ViewProperties, "Show the properties editor", "Alt+Enter"),
         submenu("&Toolbars", {}),
     };
