@@ -136,9 +136,9 @@ CPropertiesDock::CPropertiesDock(QWidget* parent) : QDockWidget("Properties", pa
     connect(m_HotSpots, &QTableWidget::cellChanged, this, [this] {
         if (!m_Loading) CommitHotSpots();
     });
-    for (QWidget* field : std::initializer_list<QWidget*>{
-             m_Name, m_Comment, m_CenterX, m_CenterY, m_DefaultX, m_DefaultY, m_SubType, m_Packed,
-             m_Start, m_NumColours})
+    for (QWidget* field :
+         std::initializer_list<QWidget*>{m_Name, m_Comment, m_CenterX, m_CenterY, m_DefaultX,
+                                         m_DefaultY, m_SubType, m_Packed, m_Start, m_NumColours})
         field->installEventFilter(this);
     connect(add, &QPushButton::clicked, this, &CPropertiesDock::AddHotSpot);
     connect(remove, &QPushButton::clicked, this, &CPropertiesDock::RemoveHotSpot);
@@ -214,8 +214,8 @@ void CPropertiesDock::Load(const CTavixImage* image, int selected) {
         m_HotSpots->setItem(i, 0, new QTableWidgetItem(QString::number(spot.x)));
         m_HotSpots->setItem(i, 1, new QTableWidgetItem(QString::number(spot.y)));
     }
-    const QString comment =
-        QString::fromUtf8(info.comment, static_cast<int>(strnlen(info.comment, sizeof info.comment)));
+    const QString comment = QString::fromUtf8(
+        info.comment, static_cast<int>(strnlen(info.comment, sizeof info.comment)));
     if (!m_Comment->hasFocus() || !HasTyping(m_Comment)) m_Comment->setText(comment);
     m_LoadedComment = comment;
     m_SubType->setValue(info.subtype);
