@@ -62,7 +62,8 @@ class KeyboardTest : public ::testing::Test {
     std::map<QChar, QString> MenuBarLetters() {
         std::map<QChar, QString> letters;
         for (QAction* action : Frame()->menuBar()->actions())
-            if (const QChar c = mnemonicOf(action->text()); !c.isNull()) letters[c] = action->text();
+            if (const QChar c = mnemonicOf(action->text()); !c.isNull())
+                letters[c] = action->text();
         return letters;
     }
 
@@ -151,8 +152,8 @@ TEST_F(KeyboardTest, CtrlZInAPropertiesFieldUndoesTheTypingThenTheEnteredEdit) {
          9, 9, 1},
         {"Ctrl+Z undoes the entered edit",
          [&] { QTest::keyClick(centre, Qt::Key_Z, Qt::ControlModifier); }, 3, 3, 1},
-        {"Ctrl+Y redoes it", [&] { QTest::keyClick(centre, Qt::Key_Y, Qt::ControlModifier); },
-         9, 9, 1},
+        {"Ctrl+Y redoes it", [&] { QTest::keyClick(centre, Qt::Key_Y, Qt::ControlModifier); }, 9, 9,
+         1},
     };
     for (const Step& step : steps) {
         SCOPED_TRACE(step.what);
