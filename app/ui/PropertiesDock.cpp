@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QFormLayout>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -36,6 +37,9 @@ CPropertiesDock::CPropertiesDock(QWidget* parent) : QDockWidget("Properties", pa
     setObjectName("Properties");
     m_Body = new QWidget;
     auto* form = new QFormLayout(m_Body);
+    // In a narrow dock a label goes above its field rather than push the
+    // fields out of sight.
+    form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     m_Count = new QLabel;
     form->addRow(m_Count);
     m_Name = new QLineEdit;
@@ -85,10 +89,12 @@ CPropertiesDock::CPropertiesDock(QWidget* parent) : QDockWidget("Properties", pa
     form->addRow("Record t&ype:", m_SubType);
     m_Packed = MakeSpin(0, 255);
     form->addRow("&Packing:", m_Packed);
-    auto* flags = new QHBoxLayout;
+    // Three to a row: in one row the boxes made the window wider than its
+    // dock and hid the hot spots' second column.
+    auto* flags = new QGridLayout;
     for (int n = 0; n < 5; ++n) {
         m_Attr[n] = new QCheckBox(kAttrNames[n]);
-        flags->addWidget(m_Attr[n]);
+        flags->addWidget(m_Attr[n], n / 3, n % 3);
         connect(m_Attr[n], &QCheckBox::toggled, this, [this, n](bool on) {
             if (m_Loading) return;
             CShapeEdit edit;
