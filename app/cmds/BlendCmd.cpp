@@ -4,6 +4,7 @@
 #include "app/doc/CmdUI.h"
 #include "app/doc/CommandIds.h"
 #include "app/doc/Hints.h"
+#include "app/doc/LibraryMessages.h"
 #include "app/doc/TavixDoc.h"
 #include "app/doc/TavixImage.h"
 #include "imaging/blend/blend.h"
@@ -56,11 +57,17 @@ void CBlendCmd::Do() {
     const ModuleValue method = ModuleValue::ofInt(dialog.m_Method);
     blend_psnr_reset();
     std::unique_ptr<CTavixImage> result;
+    // The module says why it refuses; the box shows it, as the output
+    // window may well be hidden.
+    CLibraryMessages messages;
     for (size_t k = 1; k < positions.size(); ++k) {
         const CTavixImage* lower = result ? result.get() : m_pDoc->GetImageAt(positions[0]);
         result = lower->RunModule(module, &method, 1, m_pDoc->GetImageAt(positions[k]));
         if (!result) {
-            ZyUi().MessageBox("The images could not be blended; the output window says why.",
+            std::string reason = messages.Take();
+            if (reason.rfind("Blend - ", 0) == 0) reason.erase(0, 8);
+            ZyUi().MessageBox("The images could not be blended" +
+                                  (reason.empty() ? std::string(".") : ": " + reason + "."),
                               MsgButtons::OK, MsgIcon::Error);
             return;
         }

@@ -6,10 +6,13 @@
 
 #include <QCheckBox>
 #include <QFormLayout>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QSpinBox>
@@ -27,10 +30,16 @@ constexpr const char* kAttrNames[5] = {"Mip level", "Rotated", "Transposed", "DO
 
 } // namespace
 
+// The labels' mnemonics keep clear of the menu bar's letters (F E V L I T W
+// H): a label's Alt key is live in the whole main window while this window
+// shows, and a letter both use would leave neither working.
 CPropertiesDock::CPropertiesDock(QWidget* parent) : QDockWidget("Properties", parent) {
     setObjectName("Properties");
     m_Body = new QWidget;
     auto* form = new QFormLayout(m_Body);
+    // In a narrow dock a label goes above its field rather than push the
+    // fields out of sight.
+    form->setRowWrapPolicy(QFormLayout::WrapLongRows);
     m_Count = new QLabel;
     form->addRow(m_Count);
     m_Name = new QLineEdit;
@@ -39,13 +48,20 @@ CPropertiesDock::CPropertiesDock(QWidget* parent) : QDockWidget("Properties", pa
     form->addRow("&Name:", m_Name);
     m_Size = new QLabel;
     form->addRow("Size:", m_Size);
+    // A row whose field is a layout gets a label that knows its first
+    // field, so its mnemonic moves the focus there rather than showing an "&".
+    auto labelFor = [](const char* text, QWidget* buddy) {
+        auto* label = new QLabel(text);
+        label->setBuddy(buddy);
+        return label;
+    };
     auto pair = [&](const char* label, QSpinBox*& x, QSpinBox*& y) {
         x = MakeSpin(-kCoordinate, kCoordinate);
         y = MakeSpin(-kCoordinate, kCoordinate);
         auto* row = new QHBoxLayout;
         row->addWidget(x);
         row->addWidget(y);
-        form->addRow(label, row);
+        form->addRow(labelFor(label, x), row);
     };
     pair("&Centre:", m_CenterX, m_CenterY);
     pair("&Default point (worksheet):", m_DefaultX, m_DefaultY);
@@ -64,19 +80,21 @@ CPropertiesDock::CPropertiesDock(QWidget* parent) : QDockWidget("Properties", pa
     auto* spots = new QVBoxLayout;
     spots->addWidget(m_HotSpots);
     spots->addLayout(buttons);
-    form->addRow("&Hot spots:", spots);
+    form->addRow(labelFor("H&ot spots:", m_HotSpots), spots);
 
     m_Comment = new QLineEdit;
     m_Comment->setMaxLength(1023);
     form->addRow("Co&mment:", m_Comment);
     m_SubType = MakeSpin(0, 255);
-    form->addRow("Record &type:", m_SubType);
+    form->addRow("Record t&ype:", m_SubType);
     m_Packed = MakeSpin(0, 255);
     form->addRow("&Packing:", m_Packed);
-    auto* flags = new QHBoxLayout;
+    // Three to a row: in one row the boxes made the window wider than its
+    // dock and hid the hot spots' second column.
+    auto* flags = new QGridLayout;
     for (int n = 0; n < 5; ++n) {
         m_Attr[n] = new QCheckBox(kAttrNames[n]);
-        flags->addWidget(m_Attr[n]);
+        flags->addWidget(m_Attr[n], n / 3, n % 3);
         connect(m_Attr[n], &QCheckBox::toggled, this, [this, n](bool on) {
             if (m_Loading) return;
             CShapeEdit edit;
@@ -88,7 +106,7 @@ CPropertiesDock::CPropertiesDock(QWidget* parent) : QDockWidget("Properties", pa
     m_Start = MakeSpin(0, 255);
     form->addRow("&Start colour:", m_Start);
     m_NumColours = MakeSpin(0, 256);
-    form->addRow("Colour &count:", m_NumColours);
+    form->addRow("Colour co&unt:", m_NumColours);
 
     auto* scroll = new QScrollArea;
     scroll->setWidgetResizable(true);
@@ -124,6 +142,10 @@ CPropertiesDock::CPropertiesDock(QWidget* parent) : QDockWidget("Properties", pa
     connect(m_HotSpots, &QTableWidget::cellChanged, this, [this] {
         if (!m_Loading) CommitHotSpots();
     });
+    for (QWidget* field :
+         std::initializer_list<QWidget*>{m_Name, m_Comment, m_CenterX, m_CenterY, m_DefaultX,
+                                         m_DefaultY, m_SubType, m_Packed, m_Start, m_NumColours})
+        field->installEventFilter(this);
     connect(add, &QPushButton::clicked, this, &CPropertiesDock::AddHotSpot);
     connect(remove, &QPushButton::clicked, this, &CPropertiesDock::RemoveHotSpot);
     Load(nullptr, 0);
@@ -178,7 +200,11 @@ void CPropertiesDock::Load(const CTavixImage* image, int selected) {
     const TavixInfo& info = *image->GetInfo();
     m_Count->setText(selected > 1 ? QString("Changes go to all %1 selected images.").arg(selected)
                                   : QString("Focused image"));
-    if (!m_Name->hasFocus()) m_Name->setText(QString::fromStdString(image->GetName()));
+    // Typing not yet entered stays; anything else shows the record, also in
+    // the field that has the focus (an Undo pressed there changes the record).
+    const QString name = QString::fromStdString(image->GetName());
+    if (!m_Name->hasFocus() || !HasTyping(m_Name)) m_Name->setText(name);
+    m_LoadedName = name;
     m_Size->setText(QString("%1 x %2, %3 bpp (buffer %4)")
                         .arg(info.width)
                         .arg(info.height)
@@ -194,9 +220,10 @@ void CPropertiesDock::Load(const CTavixImage* image, int selected) {
         m_HotSpots->setItem(i, 0, new QTableWidgetItem(QString::number(spot.x)));
         m_HotSpots->setItem(i, 1, new QTableWidgetItem(QString::number(spot.y)));
     }
-    if (!m_Comment->hasFocus())
-        m_Comment->setText(QString::fromUtf8(
-            info.comment, static_cast<int>(strnlen(info.comment, sizeof info.comment))));
+    const QString comment = QString::fromUtf8(
+        info.comment, static_cast<int>(strnlen(info.comment, sizeof info.comment)));
+    if (!m_Comment->hasFocus() || !HasTyping(m_Comment)) m_Comment->setText(comment);
+    m_LoadedComment = comment;
     m_SubType->setValue(info.subtype);
     m_Packed->setValue(info.packed);
     m_Start->setValue(info.startcolour);
@@ -204,6 +231,34 @@ void CPropertiesDock::Load(const CTavixImage* image, int selected) {
     for (int n = 0; n < 5; ++n)
         m_Attr[n]->setChecked(info.attributes & kAttrBits[n]);
     m_Loading = false;
+}
+
+bool CPropertiesDock::HasTyping(const QObject* field) const {
+    if (field == m_Name) return m_Name->text() != m_LoadedName;
+    if (field == m_Comment) return m_Comment->text() != m_LoadedComment;
+    // Without keyboard tracking a spin box's value is the last one entered.
+    if (const auto* spin = qobject_cast<const QSpinBox*>(field)) {
+        QLocale locale = spin->locale(); // as the box writes its numbers
+        locale.setNumberOptions(locale.numberOptions() | QLocale::OmitGroupSeparator);
+        return spin->cleanText() != locale.toString(spin->value());
+    }
+    return false;
+}
+
+// Ctrl+Z and Ctrl+Y in a field that shows what the record holds are the
+// document's Undo and Redo: after Enter the field's own typing history
+// could only put its text back, leaving field and image apart. Typing not
+// yet entered is still undone in the field.
+bool CPropertiesDock::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if ((key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo)) &&
+            !HasTyping(watched)) {
+            event->ignore(); // the frame's shortcut takes it
+            return true;
+        }
+    }
+    return QDockWidget::eventFilter(watched, event);
 }
 
 void CPropertiesDock::Submit(const CShapeEdit& edit) {

@@ -8,6 +8,7 @@
 // takes back exactly that change.
 
 #include <QDockWidget>
+#include <QString>
 
 #include <cstdint>
 #include <vector>
@@ -48,7 +49,12 @@ class CPropertiesDock : public QDockWidget {
   signals:
     void CommandRun();
 
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
+    // Whether `field` holds typing that was not entered yet.
+    bool HasTyping(const QObject* field) const;
     void Load(const CTavixImage* image, int selected);
     void Submit(const CShapeEdit& edit);
     void CommitHotSpots();
@@ -59,6 +65,7 @@ class CPropertiesDock : public QDockWidget {
     std::vector<uint8_t> m_Loaded; // the record the fields show
     int m_Selected = 0;
     bool m_Loading = false;
+    QString m_LoadedName, m_LoadedComment; // what the text fields were given
 
     QLabel* m_Count;
     QLineEdit* m_Name;

@@ -326,6 +326,17 @@ TEST_F(StructuralTest, PsnrBlendReportsTheRatios) {
     EXPECT_NE(model.ui.statusLines[0].find("all images:"), std::string::npos);
 }
 
+TEST_F(StructuralTest, ARefusedBlendSaysWhyInItsMessage) {
+    select("11000"); // img0 holds palette indices, img1 colours
+    model.profile.WriteInt("CBlendCmd", "blendmethod", 0);
+    doc.OnCmdMsg(ID_IMAGE_BLEND);
+    EXPECT_EQ(doc.GetImageCount(), 5);
+    ASSERT_EQ(model.ui.messages.size(), 1u);
+    EXPECT_EQ(model.ui.messages[0].text,
+              "The images could not be blended: one image holds palette indices and the other "
+              "colours; give both the same depth.");
+}
+
 TEST_F(StructuralTest, CancelledBlendChangesNothing) {
     select("01010");
     model.ui.dialogs["CBlendMethodDlg"] = [](CDialogData&) { return false; };

@@ -63,6 +63,13 @@ TEST_F(PropertiesDockTest, ShowsTheFocusedRecordAndEditsAllSelectedOneCommandEac
     EXPECT_EQ(m_Dock.HotSpots()->item(0, 0)->text(), "0") << "the window follows the undo";
 }
 
+TEST_F(PropertiesDockTest, FitsADockOfAThirdOfTheScreenWithoutScrollingSideways) {
+    // The window docks beside the worksheet; wider than that it hides the
+    // hot spots' Y column behind a scroll bar.
+    QWidget* body = m_Dock.NameEdit()->parentWidget();
+    EXPECT_LE(body->minimumSizeHint().width(), 420);
+}
+
 TEST_F(PropertiesDockTest, FollowsTheFocusAndHasNothingToEditWithoutAnImage) {
     m_Doc->SetFocus(2, false);
     m_Dock.Refresh();
