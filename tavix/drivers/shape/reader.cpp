@@ -563,9 +563,25 @@ void ShapeReader::keepStoredPixels(const Entry& e, int level, const TavixInfo& i
                                    TailBuilder& t) {
     try {
         const int entryIndex = static_cast<int>(&e - m_entries.data());
+        const Layout layout = e.format->layout;
+        if (layout == Layout::Idx8 || layout == Layout::Argb8888 || layout == Layout::Rgb888) {
+            // Every stored byte of these comes back from its pixels, so no
+            // pixels need keeping and listing the file never decodes them;
+            // a packed stream only needs to be checked and measured.
+            if (level != 0 || !(e.id & kRecPacked)) return;
+            const size_t start = e.chain[0].pos + 16;
+            size_t consumed = m_cacheConsumed;
+            if (m_cacheEntry != entryIndex) {
+                refpack::Measured m = refpack::measure({&m_file[start], e.chain[0].end - start},
+                                                       e.payload + kPackedSlack);
+                if (m.size < e.payload) return; // reading the frame reports it
+                consumed = m.consumed;
+            }
+            t.add(tail::kTagPacked, ByteSpan(&m_file[start], consumed));
+            return;
+        }
         size_t consumed = 0;
         ByteSpan payload = payloadOf(entryIndex, &consumed);
-        const Layout layout = e.format->layout;
         const int32_t w = info.width, h = info.height;
         ByteSpan stored = payload.subspan(levelOffset(e, level), levelBytes(layout, w, h));
         bool lossless = layout != Layout::Dxt1 && layout != Layout::Dxt3 &&
