@@ -9,6 +9,7 @@
 #include "tavix/drivers/shape/Shape.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -111,6 +112,7 @@ class ShapeReader : public FrameReader {
 
     void describe(int frame, TavixInfo& info, Bytes& tail) override;
     void decode(int frame, Picture& out) override;
+    bool decodeInto(int frame, TavixInfo& info, uint8_t* pixels, ptrdiff_t pitch) override;
 
   private:
     bool big() const { return m_variant.bigEndian; }
@@ -456,6 +458,34 @@ void ShapeReader::decode(int frame, Picture& out) {
     for (int i = 0; i < e.paletteCount; ++i)
         out.indices[i] = static_cast<uint8_t>(i);
     paletteOf(e, out.palette, out.numcolours);
+}
+
+// Layouts whose stored rows are the caller's rows byte for byte (indices,
+// and on a little-endian host little-endian ARGB words) are copied
+// straight across, without a picture between.
+bool ShapeReader::decodeInto(int frame, TavixInfo& info, uint8_t* pixels, ptrdiff_t pitch) {
+    const FrameRef ref = m_frames[frame];
+    const Entry& e = m_entries[ref.entry];
+    if (e.kind != Kind::Bitmap) return false;
+    const Layout layout = e.format->layout;
+    const bool indexed = layout == Layout::Idx8;
+    const bool words =
+        layout == Layout::Argb8888 && !big() && std::endian::native == std::endian::little;
+    if (!indexed && !words) return false;
+    const int32_t width = levelSide(e.width, ref.level);
+    const int32_t height = levelSide(e.height, ref.level);
+    if (info.width != width || info.height != height || (info.bufferbpp <= 8) != indexed)
+        return false;
+    ByteSpan payload = payloadOf(ref.entry);
+    const size_t rowBytes = static_cast<size_t>(width) * (indexed ? 1 : 4);
+    const uint8_t* from = payload.data() + levelOffset(e, ref.level);
+    for (size_t y = 0; y < static_cast<size_t>(height); ++y)
+        memcpy(pixels + static_cast<ptrdiff_t>(y) * pitch, from + y * rowBytes, rowBytes);
+    if (indexed) {
+        int32_t count = 0;
+        paletteOf(e, info.colours, count);
+    }
+    return true;
 }
 
 void ShapeReader::describe(int frame, TavixInfo& info, Bytes& tail) {
