@@ -56,3 +56,31 @@ read -r cpu kb < <(best "$zytool" convert "$work/big.tga" "$work/o.tga"); report
 read -r cpu kb < <(best convert "$work/big.tga" "$work/o.tga"); report "convert tga->tga" "$work/big.tga" "$cpu" "$kb"
 read -r cpu kb < <(best "$zytool" convert "$work/big.png" "$work/o.tga"); report "zytool convert png->tga" "$work/big.png" "$cpu" "$kb"
 read -r cpu kb < <(best convert "$work/big.png" "$work/o.tga"); report "convert png->tga" "$work/big.png" "$cpu" "$kb"
+
+# The codec library alone, when the benchmarks of the same build lie beside
+# zytool: io_bench moves the same picture through every format (read,
+# write and listing, beside a plain read of each file), and refpack_bench
+# packs raw 4096 x 4096 RGBA frames: real art (Debian's supertux-data
+# sprites tiled, when installed), noise and one flat colour.
+bin="$(dirname "$zytool")"
+if [[ -x "$bin/io_bench" ]]; then
+    echo
+    "$bin/io_bench" "$work/big.png" "$repeats"
+fi
+if [[ -x "$bin/refpack_bench" ]]; then
+    frames=()
+    sprites=/usr/share/games/supertux2/images/creatures
+    if [[ -d "$sprites" ]]; then
+        montage $(ls "$sprites"/*/*.png | head -300) -tile 20x -geometry +0+0 -background none \
+            "$work/sheet.png"
+        convert -size "${side}x${side}" tile:"$work/sheet.png" -depth 8 "$work/art.rgba"
+        frames+=("$work/art.rgba")
+    fi
+    convert -size "${side}x${side}" xc:none -seed 3 +noise Random -depth 8 "$work/noise.rgba"
+    convert -size "${side}x${side}" 'xc:#3366997F' -depth 8 "$work/flat.rgba"
+    echo
+    # Freed blocks stay with the C library, so decoding is timed without
+    # the kernel's cost of fresh pages.
+    MALLOC_MMAP_THRESHOLD_=2000000000 MALLOC_TOP_PAD_=200000000 \
+        "$bin/refpack_bench" "${frames[@]}" "$work/noise.rgba" "$work/flat.rgba" -r "$repeats"
+fi

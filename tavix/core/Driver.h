@@ -44,6 +44,14 @@ class FrameWriter {
     virtual ~FrameWriter() = default;
     // `tail` is whatever followed the fixed record in the caller's info.
     virtual void add(const TavixInfo& info, std::span<const uint8_t> tail, Picture&& picture) = 0;
+    // Writes the frame at once from the caller's rows to `stream` and
+    // returns true; or returns false without writing anything, and add()
+    // is called with a copy instead. Writers whose file needs no other frame
+    // to lay out this one take this way, which never copies the frame.
+    virtual bool addDirect(intptr_t /*stream*/, const TavixInfo& /*info*/,
+                           std::span<const uint8_t> /*tail*/, const FrameView& /*frame*/) {
+        return false;
+    }
     virtual void finish(Bytes& file) = 0;
     // Writes the finished file to the host's stream. A writer that can
     // produce its file in pieces overrides this so the whole file is never

@@ -86,19 +86,46 @@ void deliver(const Picture& picture, TavixInfo& info, uint8_t* pixels, int32_t p
     }
 }
 
+// The caller's rows copied once into a picture: appended row by row into
+// reserved storage, so the buffer is never zero-filled first only to be
+// overwritten, and rows without padding go over in one block.
 Picture pictureFrom(const TavixInfo& info, const uint8_t* pixels, int32_t pitch) {
     Picture picture;
-    size_t width = static_cast<size_t>(info.width);
+    const size_t count = checkedPixelCount(info.width, info.height);
+    const size_t width = static_cast<size_t>(info.width);
+    const size_t height = static_cast<size_t>(info.height);
+    picture.width = info.width;
+    picture.height = info.height;
     if (info.bufferbpp <= 8) {
-        picture.makeIndexed(info.width, info.height);
-        for (int y = 0; y < info.height; ++y)
-            memcpy(&picture.indices[y * width], pixels + static_cast<ptrdiff_t>(y) * pitch, width);
+        picture.indexed = true;
+        if (static_cast<size_t>(pitch) == width) {
+            picture.indices.assign(pixels, pixels + count);
+        } else {
+            picture.indices.reserve(count);
+            for (size_t y = 0; y < height; ++y) {
+                const uint8_t* row = pixels + static_cast<ptrdiff_t>(y) * pitch;
+                picture.indices.insert(picture.indices.end(), row, row + width);
+            }
+        }
         memcpy(picture.palette, info.colours, sizeof picture.palette);
         picture.numcolours = info.numcolours;
     } else {
-        picture.makeTrueColour(info.width, info.height);
-        for (int y = 0; y < info.height; ++y)
-            memcpy(&picture.argb[y * width], pixels + static_cast<ptrdiff_t>(y) * pitch, width * 4);
+        auto words = [](const uint8_t* row) { return reinterpret_cast<const uint32_t*>(row); };
+        if (reinterpret_cast<uintptr_t>(pixels) % alignof(uint32_t) || pitch % 4) {
+            // Rows that are not word-aligned cannot be read as words.
+            picture.argb.resize(count);
+            for (size_t y = 0; y < height; ++y)
+                memcpy(&picture.argb[y * width], pixels + static_cast<ptrdiff_t>(y) * pitch,
+                       width * 4);
+        } else if (static_cast<size_t>(pitch) == width * 4) {
+            picture.argb.assign(words(pixels), words(pixels) + count);
+        } else {
+            picture.argb.reserve(count);
+            for (size_t y = 0; y < height; ++y) {
+                const uint32_t* row = words(pixels + static_cast<ptrdiff_t>(y) * pitch);
+                picture.argb.insert(picture.argb.end(), row, row + width);
+            }
+        }
     }
     return picture;
 }
@@ -264,8 +291,21 @@ unsigned char TAVIX_write_16(TavixWriter handle, const TavixInfo* info, const vo
             fail("more frames written than the %d announced", state->expected);
         if (pitch < static_cast<int64_t>(info->width) * (info->bufferbpp <= 8 ? 1 : 4))
             fail("row pitch %d is too small for a %d pixel wide frame", pitch, info->width);
-        state->writer->add(*info, tailOf(*info),
-                           pictureFrom(*info, static_cast<const uint8_t*>(pixels), pitch));
+        const auto* rows = static_cast<const uint8_t*>(pixels);
+        checkedPixelCount(info->width, info->height);
+        const bool indexed = info->bufferbpp <= 8;
+        const bool aligned =
+            indexed || (reinterpret_cast<uintptr_t>(rows) % alignof(uint32_t) == 0 && pitch % 4 == 0);
+        FrameView view;
+        view.width = info->width;
+        view.height = info->height;
+        view.indexed = indexed;
+        view.base = rows;
+        view.pitch = pitch;
+        view.palette = info->colours;
+        view.numcolours = info->numcolours;
+        if (!aligned || !state->writer->addDirect(state->stream, *info, tailOf(*info), view))
+            state->writer->add(*info, tailOf(*info), pictureFrom(*info, rows, pitch));
         ++state->written;
         return 1;
     });

@@ -43,4 +43,17 @@ void Picture::setPaletteArgb(int index, uint32_t value) {
     c.blue = static_cast<uint8_t>(value);
 }
 
+FrameView viewOf(const Picture& picture) {
+    FrameView view;
+    view.width = picture.width;
+    view.height = picture.height;
+    view.indexed = picture.indexed;
+    view.base = picture.indexed ? picture.indices.data()
+                                : reinterpret_cast<const uint8_t*>(picture.argb.data());
+    view.pitch = static_cast<ptrdiff_t>(picture.width) * (picture.indexed ? 1 : 4);
+    view.palette = picture.palette;
+    view.numcolours = picture.numcolours;
+    return view;
+}
+
 } // namespace tavix

@@ -16,6 +16,44 @@ Bytes readWhole(intptr_t stream);
 void writeWhole(intptr_t stream, const Bytes& bytes);
 void writeBlock(intptr_t stream, const uint8_t* data, size_t count);
 
+// Where a writer's bytes go: straight into a file image in memory, or to
+// the host's stream in blocks of about kSinkBlock bytes, so a large file is
+// never held whole. Writers append small pieces to bytes() and call
+// rowDone() now and then; put() passes large blocks through uncopied.
+class BlockSink {
+  public:
+    static constexpr size_t kSinkBlock = size_t{4} << 20;
+    explicit BlockSink(Bytes& file) : m_bytes(file) {}
+    explicit BlockSink(intptr_t stream) : m_bytes(m_own), m_stream(stream) {}
+    BlockSink(const BlockSink&) = delete;
+    BlockSink& operator=(const BlockSink&) = delete;
+
+    Bytes& bytes() { return m_bytes; }
+    void rowDone() {
+        if (m_stream && m_bytes.size() >= kSinkBlock) flush();
+    }
+    void put(const uint8_t* data, size_t count) {
+        if (m_stream && count >= kSinkBlock) {
+            flush();
+            writeBlock(m_stream, data, count);
+            return;
+        }
+        m_bytes.insert(m_bytes.end(), data, data + count);
+        rowDone();
+    }
+    // Must be called once all is put (a no-op for memory).
+    void flush() {
+        if (!m_stream || m_bytes.empty()) return;
+        writeBlock(m_stream, m_bytes.data(), m_bytes.size());
+        m_bytes.clear();
+    }
+
+  private:
+    Bytes m_own;
+    Bytes& m_bytes;
+    intptr_t m_stream = 0;
+};
+
 // Random access to a file being read. A reader built on a source takes only
 // the blocks it needs (headers when the file is opened, pixel data when a
 // frame is decoded), so listing a large file never reads its pixels and

@@ -133,7 +133,8 @@ void readInfoHeader(ByteReader& in, BmpLayout& b) {
     if (b.headerSize == kInfoHeader && masks) in.skip(b.compression == kAlphaBitFields ? 16 : 12);
 }
 
-BmpLayout parseLayout(ByteReader& in) {
+// `in` holds the start of the file, at least every header byte.
+BmpLayout parseLayout(ByteReader& in, uint64_t fileSize) {
     BmpLayout b;
     if (in.u16le() != 0x4D42) fail("not a Windows bitmap");
     in.skip(8); // file size and reserved words: many writers get them wrong
@@ -155,7 +156,7 @@ BmpLayout parseLayout(ByteReader& in) {
         fail("the bitmap size %d x %d is not valid", b.width, b.height);
     checkDepthAndCompression(b);
     b.paletteOffset = in.pos();
-    if (b.dataOffset < b.paletteOffset || b.dataOffset > in.size())
+    if (b.dataOffset < b.paletteOffset || b.dataOffset > fileSize)
         fail("the bitmap's pixel data offset %u is outside the file", b.dataOffset);
     if (b.indexed()) {
         uint32_t wanted = b.coloursUsed ? b.coloursUsed : 1u << b.bpp;
@@ -202,29 +203,42 @@ struct Channel {
     }
 };
 
+// Stored rows of plain bitmaps are read in blocks of about this many bytes.
+constexpr size_t kBlockBytes = size_t{4} << 20;
+// The most header bytes a file can have before its colour table: the file
+// header, a V5 header and the masks that follow an INFO header.
+constexpr size_t kMaxHeadBytes = kFileHeaderBytes + kV5Header + 16;
+
+// The reader takes the headers and colour table when the file is opened
+// and the pixels only when the frame is decoded, in blocks straight into
+// the caller's rows. Only one thing needs the pixels before that: an image
+// with an alpha mask, whose alpha values decide whether it has alpha.
 class BmpReader : public FrameReader {
   public:
-    explicit BmpReader(Bytes&& file) : m_fileSize(file.size()) {
-        ByteReader in(file.data(), file.size());
-        m_layout = parseLayout(in);
-        checkFits(m_layout, file.size());
-        if (m_layout.indexed())
-            readIndexed(in);
-        else
-            readColours(in);
+    explicit BmpReader(HostPtr<Source>&& source) : m_source(std::move(source)) {
+        const uint64_t size = m_source->size();
+        if (size > 0x7FFFFFFFu) fail("the bitmap file is too large");
+        m_fileSize = static_cast<size_t>(size);
+        Bytes head = m_source->bytes(0, std::min<size_t>(m_fileSize, kMaxHeadBytes));
+        ByteReader in(head.data(), head.size());
+        m_layout = parseLayout(in, m_fileSize);
+        checkFits(m_layout, m_fileSize);
+        if (m_layout.indexed()) readPalette();
+        m_alphaKnown = m_layout.indexed() || !m_layout.masks[3];
     }
 
     int frameCount() const override { return 1; }
 
     void describe(int, TavixInfo& info, Bytes&) override {
         const BmpLayout& b = m_layout;
+        if (!m_alphaKnown) settleAlphaFromPixels();
         info.formatid = kBmpId;
         info.width = b.width;
         info.height = b.height;
         info.bufferbpp = b.indexed() ? 8 : 32;
         info.bpp = b.bpp;
         info.numcolours = b.indexed() ? b.paletteCount : 0;
-        if (b.indexed()) memcpy(info.colours, m_picture.palette, sizeof info.colours);
+        if (b.indexed()) memcpy(info.colours, m_palette, sizeof info.colours);
         info.subtype = static_cast<int32_t>(b.compression);
         info.packed = b.packed() ? 1 : 0;
         info.framesize = static_cast<int32_t>(m_fileSize);
@@ -241,142 +255,285 @@ class BmpReader : public FrameReader {
                 static_cast<float>(std::round(b.pixelsPerMetre * kMetresPerInch * 100) / 100);
     }
 
-    void decode(int, Picture& out) override { out = m_picture; }
+    void decode(int, Picture& out) override {
+        const BmpLayout& b = m_layout;
+        if (b.indexed()) {
+            out.makeIndexed(b.width, b.height);
+            memcpy(out.palette, m_palette, sizeof out.palette);
+            out.numcolours = b.paletteCount;
+            decodeRows(out.indices.data(), b.width);
+        } else {
+            out.makeTrueColour(b.width, b.height);
+            decodeRows(reinterpret_cast<uint8_t*>(out.argb.data()),
+                       static_cast<ptrdiff_t>(b.width) * 4);
+        }
+    }
+
+    bool decodeInto(int, TavixInfo& info, uint8_t* pixels, ptrdiff_t pitch) override {
+        const BmpLayout& b = m_layout;
+        if (info.width != b.width || info.height != b.height ||
+            (info.bufferbpp <= 8) != b.indexed())
+            return false;
+        decodeRows(pixels, pitch);
+        if (b.indexed()) memcpy(info.colours, m_palette, sizeof info.colours);
+        return true;
+    }
 
   private:
     size_t rowOf(size_t stored) const {
         return m_layout.topDown ? stored : static_cast<size_t>(m_layout.height) - 1 - stored;
     }
 
-    void readPalette(ByteReader& in) {
+    void readPalette() {
         const BmpLayout& b = m_layout;
-        in.seek(b.paletteOffset);
+        Bytes table = m_source->bytes(b.paletteOffset, b.paletteEntryBytes * b.paletteCount);
+        Picture palette;
         for (int i = 0; i < b.paletteCount; ++i) {
-            const uint8_t* e = in.take(b.paletteEntryBytes);
-            m_picture.setPaletteArgb(i, packArgb(255, e[2], e[1], e[0]));
+            const uint8_t* e = &table[b.paletteEntryBytes * i];
+            palette.setPaletteArgb(i, packArgb(255, e[2], e[1], e[0]));
         }
-        m_picture.numcolours = b.paletteCount;
+        memcpy(m_palette, palette.palette, sizeof m_palette);
     }
 
-    void readIndexed(ByteReader& in) {
+    // Calls `row(stored, bytes)` for every stored row of a plain bitmap in
+    // file order. The last row may stop at its pixels, without padding.
+    template <typename RowFn> void forEachStoredRow(RowFn&& row) {
         const BmpLayout& b = m_layout;
-        m_picture.makeIndexed(b.width, b.height);
-        readPalette(in);
-        in.seek(b.dataOffset);
-        if (b.packed())
-            unpackRuns(in);
-        else
-            unpackRows(in);
-        for (uint8_t index : m_picture.indices)
-            if (index >= b.paletteCount)
-                fail("bitmap pixel index %u is beyond the %d palette entries", index,
+        const size_t stride = static_cast<size_t>(b.stride());
+        const size_t rowBytes = (static_cast<size_t>(b.width) * b.bpp + 7) / 8;
+        const size_t height = static_cast<size_t>(b.height);
+        const size_t perBlock = std::max<size_t>(1, kBlockBytes / stride);
+        Bytes block((std::min(perBlock, height) - 1) * stride + rowBytes);
+        for (size_t y = 0; y < height; y += perBlock) {
+            const size_t rows = std::min(perBlock, height - y);
+            m_source->read(b.dataOffset + y * stride, block.data(), (rows - 1) * stride + rowBytes);
+            for (size_t r = 0; r < rows; ++r)
+                row(y + r, block.data() + r * stride);
+        }
+    }
+
+    void decodeRows(uint8_t* pixels, ptrdiff_t pitch) {
+        const BmpLayout& b = m_layout;
+        auto target = [&](size_t stored) {
+            return pixels + static_cast<ptrdiff_t>(rowOf(stored)) * pitch;
+        };
+        if (b.indexed()) {
+            if (b.packed())
+                unpackRuns(pixels, pitch);
+            else
+                forEachStoredRow([&](size_t stored, const uint8_t* row) {
+                    unpackIndices(row, target(stored));
+                });
+            checkIndices(pixels, pitch);
+            return;
+        }
+        uint32_t anyAlpha = 0;
+        forEachStoredRow([&](size_t stored, const uint8_t* row) {
+            anyAlpha |= colourRow(row, reinterpret_cast<uint32_t*>(target(stored)));
+        });
+        if (!m_alphaKnown) {
+            m_alphaKnown = true;
+            m_alphaBits = anyAlpha ? std::popcount(b.masks[3]) : 0;
+        }
+        // An alpha mask whose values are all zero was not meant as alpha.
+        if (b.masks[3] && !m_alphaBits)
+            for (size_t y = 0; y < static_cast<size_t>(b.height); ++y) {
+                auto* to = reinterpret_cast<uint32_t*>(pixels + static_cast<ptrdiff_t>(y) * pitch);
+                for (size_t x = 0; x < static_cast<size_t>(b.width); ++x)
+                    to[x] |= 0xFF000000u;
+            }
+    }
+
+    void settleAlphaFromPixels() {
+        const BmpLayout& b = m_layout;
+        Channel alpha(b.masks[3]);
+        const size_t bytes = b.bpp / 8u;
+        uint32_t any = 0;
+        forEachStoredRow([&](size_t, const uint8_t* p) {
+            for (size_t x = 0; x < static_cast<size_t>(b.width); ++x, p += bytes)
+                any |= alpha(bytes == 2 ? p[0] | p[1] << 8
+                                        : p[0] | p[1] << 8 | p[2] << 16 |
+                                              static_cast<uint32_t>(p[3]) << 24);
+        });
+        m_alphaBits = any ? std::popcount(b.masks[3]) : 0;
+        m_alphaKnown = true;
+    }
+
+    void unpackIndices(const uint8_t* row, uint8_t* to) const {
+        const BmpLayout& b = m_layout;
+        const size_t width = static_cast<size_t>(b.width);
+        if (b.bpp == 8) {
+            memcpy(to, row, width);
+            return;
+        }
+        const unsigned perByte = 8 / b.bpp;
+        const uint8_t mask = static_cast<uint8_t>((1u << b.bpp) - 1);
+        for (size_t x = 0; x < width; ++x) {
+            unsigned shift = 8 - b.bpp * (x % perByte + 1);
+            to[x] = static_cast<uint8_t>(row[x / perByte] >> shift) & mask;
+        }
+    }
+
+    void checkIndices(const uint8_t* pixels, ptrdiff_t pitch) const {
+        const BmpLayout& b = m_layout;
+        const size_t width = static_cast<size_t>(b.width);
+        for (size_t y = 0; y < static_cast<size_t>(b.height); ++y) {
+            const uint8_t* row = pixels + static_cast<ptrdiff_t>(y) * pitch;
+            uint8_t top = 0;
+            for (size_t x = 0; x < width; ++x)
+                top = std::max(top, row[x]);
+            if (top >= b.paletteCount)
+                fail("bitmap pixel index %u is beyond the %d palette entries", top,
                      b.paletteCount);
+        }
     }
 
-    void unpackRows(ByteReader& in) {
+    // One stored row of 16, 24 or 32-bit colours as ARGB words; returns the
+    // alpha bits seen (0 when there is no alpha mask).
+    uint32_t colourRow(const uint8_t* p, uint32_t* to) const {
         const BmpLayout& b = m_layout;
-        size_t width = static_cast<size_t>(b.width);
-        unsigned perByte = 8 / b.bpp;
-        uint8_t mask = static_cast<uint8_t>((1u << b.bpp) - 1);
-        for (size_t stored = 0; stored < static_cast<size_t>(b.height); ++stored) {
-            in.seek(b.dataOffset + stored * b.stride());
-            const uint8_t* row = in.take((width * b.bpp + 7) / 8);
-            uint8_t* to = &m_picture.indices[rowOf(stored) * width];
-            for (size_t x = 0; x < width; ++x) {
-                unsigned shift = 8 - b.bpp * (x % perByte + 1);
-                to[x] = static_cast<uint8_t>(row[x / perByte] >> shift) & mask;
+        const size_t width = static_cast<size_t>(b.width);
+        if (b.bpp == 24) {
+            for (size_t x = 0; x < width; ++x, p += 3)
+                to[x] = packArgb(255, p[2], p[1], p[0]);
+            return 0;
+        }
+        const bool standard = b.bpp == 32 && b.masks[0] == 0xFF0000 && b.masks[1] == 0xFF00 &&
+                              b.masks[2] == 0xFF;
+        if (standard && std::endian::native == std::endian::little) {
+            // Stored B, G, R, A is already the word 0xAARRGGBB.
+            memcpy(to, p, width * 4);
+            if (b.masks[3] == 0xFF000000u) {
+                uint32_t any = 0;
+                for (size_t x = 0; x < width; ++x)
+                    any |= to[x];
+                return any >> 24;
+            }
+            if (b.masks[3] == 0) {
+                for (size_t x = 0; x < width; ++x)
+                    to[x] |= 0xFF000000u;
+                return 0;
             }
         }
+        const size_t bytes = b.bpp / 8u;
+        Channel red(b.masks[0]), green(b.masks[1]), blue(b.masks[2]), alpha(b.masks[3]);
+        uint32_t any = 0;
+        for (size_t x = 0; x < width; ++x, p += bytes) {
+            uint32_t v = bytes == 2 ? p[0] | p[1] << 8
+                                    : p[0] | p[1] << 8 | p[2] << 16 |
+                                          static_cast<uint32_t>(p[3]) << 24;
+            const uint32_t a = b.masks[3] ? alpha(v) : 255;
+            any |= b.masks[3] ? a : 0;
+            to[x] = packArgb(a, red(v), green(v), blue(v));
+        }
+        return any;
     }
 
     // RLE8 / RLE4: counted runs, and escapes for end of line, end of
     // bitmap, a jump, and literal stretches padded to 16 bits. Runs past
     // the row's end are cut off; pixels never written stay index 0.
-    void unpackRuns(ByteReader& in) {
+    void unpackRuns(uint8_t* pixels, ptrdiff_t pitch) {
         const BmpLayout& b = m_layout;
         bool four = b.compression == kRle4;
         size_t width = static_cast<size_t>(b.width), height = static_cast<size_t>(b.height);
+        for (size_t y = 0; y < height; ++y)
+            memset(pixels + static_cast<ptrdiff_t>(y) * pitch, 0, width);
+        Bytes packed = m_source->bytes(b.dataOffset, m_fileSize - b.dataOffset);
+        ByteReader in(packed.data(), packed.size());
         size_t x = 0, y = 0;
-        auto put = [&](uint8_t index) {
-            if (x < width && y < height) m_picture.indices[(height - 1 - y) * width + x] = index;
-            ++x;
+        uint8_t* row = pixels + static_cast<ptrdiff_t>(height - 1) * pitch;
+        auto nextRow = [&] {
+            if (y < height) row = pixels + static_cast<ptrdiff_t>(height - 1 - y) * pitch;
         };
         while (y < height && in.remaining() >= 2) {
             uint8_t count = in.u8(), value = in.u8();
             if (count > 0) {
-                for (unsigned i = 0; i < count; ++i)
-                    put(four ? (i & 1 ? value & 15 : value >> 4) : value);
+                if (!four) {
+                    // A run is one value: fill what lies inside the row.
+                    if (x < width) memset(row + x, value, std::min<size_t>(count, width - x));
+                    x += count;
+                } else {
+                    for (unsigned i = 0; i < count; ++i, ++x)
+                        if (x < width) row[x] = i & 1 ? value & 15 : value >> 4;
+                }
             } else if (value == 0) {
                 x = 0, ++y;
+                nextRow();
             } else if (value == 1) {
                 return;
             } else if (value == 2) {
                 x += in.u8();
                 y += in.u8();
+                nextRow();
             } else {
                 size_t bytes = four ? (value + 1u) / 2 : value;
                 const uint8_t* literal = in.take(bytes);
-                for (unsigned i = 0; i < value; ++i)
-                    put(four ? (i & 1 ? literal[i / 2] & 15 : literal[i / 2] >> 4) : literal[i]);
+                if (!four) {
+                    if (x < width) memcpy(row + x, literal, std::min<size_t>(value, width - x));
+                    x += value;
+                } else {
+                    for (unsigned i = 0; i < value; ++i, ++x)
+                        if (x < width) row[x] = i & 1 ? literal[i / 2] & 15 : literal[i / 2] >> 4;
+                }
                 if (bytes & 1) in.skip(1);
             }
         }
     }
 
-    void readColours(ByteReader& in) {
-        const BmpLayout& b = m_layout;
-        m_picture.makeTrueColour(b.width, b.height);
-        size_t width = static_cast<size_t>(b.width);
-        size_t bytes = b.bpp / 8u;
-        Channel red(b.masks[0]), green(b.masks[1]), blue(b.masks[2]), alpha(b.masks[3]);
-        for (size_t stored = 0; stored < static_cast<size_t>(b.height); ++stored) {
-            in.seek(b.dataOffset + stored * b.stride());
-            const uint8_t* p = in.take(width * bytes);
-            uint32_t* to = &m_picture.argb[rowOf(stored) * width];
-            for (size_t x = 0; x < width; ++x, p += bytes) {
-                if (bytes == 3) {
-                    to[x] = packArgb(255, p[2], p[1], p[0]);
-                    continue;
-                }
-                uint32_t v =
-                    bytes == 2 ? p[0] | p[1] << 8
-                               : p[0] | p[1] << 8 | p[2] << 16 | static_cast<uint32_t>(p[3]) << 24;
-                to[x] = packArgb(b.masks[3] ? alpha(v) : 255, red(v), green(v), blue(v));
-            }
-        }
-        m_alphaBits = settleAlpha();
-    }
-
-    // An alpha mask whose values are all zero was not meant as alpha.
-    int settleAlpha() {
-        if (!m_layout.masks[3]) return 0;
-        for (uint32_t c : m_picture.argb)
-            if (c >> 24) return std::popcount(m_layout.masks[3]);
-        for (uint32_t& c : m_picture.argb)
-            c |= 0xFF000000u;
-        return 0;
-    }
-
-    size_t m_fileSize;
+    HostPtr<Source> m_source;
+    size_t m_fileSize = 0;
     BmpLayout m_layout;
+    TavixColour m_palette[256] = {};
     int m_alphaBits = 0;
-    Picture m_picture;
+    bool m_alphaKnown = true;
 };
 
 // --- writing ---------------------------------------------------------------
 
-int paletteEntries(const Picture& picture) {
-    int count = std::clamp(picture.numcolours, 0, 256);
-    for (uint8_t index : picture.indices)
-        count = std::max(count, index + 1);
-    return std::max(count, 1);
+int paletteEntries(const FrameView& frame) {
+    int count = std::clamp(frame.numcolours, 0, 256);
+    uint8_t top = 0;
+    for (size_t y = 0; y < static_cast<size_t>(frame.height); ++y) {
+        const uint8_t* row = frame.indices(y);
+        for (size_t x = 0; x < static_cast<size_t>(frame.width); ++x)
+            top = std::max(top, row[x]);
+    }
+    return std::max({count, top + 1, 1});
 }
 
+// A bitmap file holds one frame, so a caller's frame is written at once,
+// straight from its rows; a frame handed over as a picture is written the
+// same way when the file is finished.
 class BmpWriter : public FrameWriter {
   public:
     void add(const TavixInfo& info, std::span<const uint8_t>, Picture&& picture) override {
-        if (m_has) fail("a bitmap file holds one image");
+        take(info);
         m_picture = std::move(picture);
+    }
+
+    bool addDirect(intptr_t stream, const TavixInfo& info, std::span<const uint8_t>,
+                   const FrameView& frame) override {
+        take(info);
+        BlockSink sink(stream);
+        write(frame, sink);
+        m_written = true;
+        return true;
+    }
+
+    void finish(Bytes& file) override {
+        BlockSink sink(file);
+        finishInto(sink);
+    }
+
+    void finishTo(intptr_t stream) override {
+        if (m_written) return;
+        BlockSink sink(stream);
+        finishInto(sink);
+    }
+
+  private:
+    void take(const TavixInfo& info) {
+        if (m_has) fail("a bitmap file holds one image");
         m_keepAlpha = info.alphabits > 0;
         m_pixelsPerMetre = info.dpi > 0 && info.dpi < 1e6f
                                ? static_cast<int32_t>(std::lround(info.dpi / kMetresPerInch))
@@ -384,12 +541,15 @@ class BmpWriter : public FrameWriter {
         m_has = true;
     }
 
-    void finish(Bytes& file) override {
+    void finishInto(BlockSink& sink) {
         if (!m_has) fail("no image was given to write");
-        const Picture& p = m_picture;
+        write(viewOf(m_picture), sink);
+    }
+
+    void write(const FrameView& p, BlockSink& sink) {
         // A colour table has no alpha: a palette image with transparent
         // entries is stored as 32-bit colours with an alpha mask instead.
-        bool alpha = pixelsHaveAlpha();
+        bool alpha = pixelsHaveAlpha(p);
         bool asIndexed = p.indexed && !alpha;
         int entries = asIndexed ? paletteEntries(p) : 0;
         uint16_t bpp = asIndexed ? 8 : alpha ? 32 : 24;
@@ -398,13 +558,13 @@ class BmpWriter : public FrameWriter {
         uint64_t offset = kFileHeaderBytes + headerSize + uint64_t(entries) * 4;
         uint64_t total = offset + stride * static_cast<uint32_t>(p.height);
         if (total > 0x7FFFFF00u) fail("the bitmap would be larger than 2 GB");
-        ByteWriter out(file);
+        ByteWriter out(sink.bytes());
         out.u8('B');
         out.u8('M');
         out.u32le(static_cast<uint32_t>(total));
         out.u32le(0);
         out.u32le(static_cast<uint32_t>(offset));
-        writeHeader(out, headerSize, bpp, entries, static_cast<uint32_t>(stride * p.height));
+        writeHeader(out, p, headerSize, bpp, entries, static_cast<uint32_t>(stride * p.height));
         for (int i = 0; i < entries; ++i) {
             const TavixColour& c = p.palette[i];
             out.u8(c.blue);
@@ -412,15 +572,15 @@ class BmpWriter : public FrameWriter {
             out.u8(c.red);
             out.u8(0);
         }
-        writeRows(out, bpp, static_cast<size_t>(stride));
+        writeRows(p, sink, bpp, static_cast<size_t>(stride));
+        sink.flush();
     }
 
-  private:
-    void writeHeader(ByteWriter& out, uint32_t headerSize, uint16_t bpp, int entries,
-                     uint32_t imageBytes) {
+    void writeHeader(ByteWriter& out, const FrameView& p, uint32_t headerSize, uint16_t bpp,
+                     int entries, uint32_t imageBytes) {
         out.u32le(headerSize);
-        out.u32le(static_cast<uint32_t>(m_picture.width));
-        out.u32le(static_cast<uint32_t>(m_picture.height)); // positive: bottom-up
+        out.u32le(static_cast<uint32_t>(p.width));
+        out.u32le(static_cast<uint32_t>(p.height)); // positive: bottom-up
         out.u16le(1);
         out.u16le(bpp);
         out.u32le(headerSize == kV4Header ? kBitFields : kRgb);
@@ -438,43 +598,56 @@ class BmpWriter : public FrameWriter {
         out.zeros(36 + 12);    // end points and gammas, unused for sRGB
     }
 
-    void writeRows(ByteWriter& out, uint16_t bpp, size_t stride) {
-        const Picture& p = m_picture;
-        size_t width = static_cast<size_t>(p.width);
+    // Rows bottom-up, each padded to the stride with zeros.
+    void writeRows(const FrameView& p, BlockSink& sink, uint16_t bpp, size_t stride) {
+        const size_t width = static_cast<size_t>(p.width);
         Bytes row(stride, 0);
-        for (int y = p.height - 1; y >= 0; --y) {
-            size_t first = static_cast<size_t>(y) * width;
+        uint32_t colours[256];
+        if (p.indexed)
+            for (int i = 0; i < 256; ++i)
+                colours[i] = p.paletteArgb(i);
+        for (size_t y = static_cast<size_t>(p.height); y-- > 0;) {
             if (bpp == 8) {
-                memcpy(row.data(), &p.indices[first], width);
+                memcpy(row.data(), p.indices(y), width);
+            } else if (bpp == 32 && !p.indexed && std::endian::native == std::endian::little) {
+                memcpy(row.data(), p.argb(y), width * 4); // 0xAARRGGBB is stored B, G, R, A
             } else {
                 uint8_t* to = row.data();
+                const uint8_t* indices = p.indexed ? p.indices(y) : nullptr;
+                const uint32_t* words = p.indexed ? nullptr : p.argb(y);
                 for (size_t x = 0; x < width; ++x) {
-                    uint32_t c = p.argbAt(first + x);
+                    uint32_t c = indices ? colours[indices[x]] : words[x];
                     *to++ = static_cast<uint8_t>(c);
                     *to++ = static_cast<uint8_t>(c >> 8);
                     *to++ = static_cast<uint8_t>(c >> 16);
                     if (bpp == 32) *to++ = static_cast<uint8_t>(c >> 24);
                 }
             }
-            out.bytes(row.data(), stride);
+            sink.put(row.data(), stride);
         }
     }
 
-    bool pixelsHaveAlpha() const {
+    bool pixelsHaveAlpha(const FrameView& p) const {
         if (!m_keepAlpha) return false;
-        if (m_picture.indexed) {
-            int entries = paletteEntries(m_picture);
+        if (p.indexed) {
+            int entries = paletteEntries(p);
             for (int i = 0; i < entries; ++i)
-                if (m_picture.palette[i].alpha != 255) return true;
+                if (p.palette[i].alpha != 255) return true;
             return false;
         }
-        for (uint32_t colour : m_picture.argb)
-            if (colour >> 24 != 255) return true;
+        for (size_t y = 0; y < static_cast<size_t>(p.height); ++y) {
+            const uint32_t* row = p.argb(y);
+            uint32_t all = 0xFF000000u;
+            for (size_t x = 0; x < static_cast<size_t>(p.width); ++x)
+                all &= row[x];
+            if (all >> 24 != 255) return true;
+        }
         return false;
     }
 
     Picture m_picture;
     bool m_has = false;
+    bool m_written = false; // addDirect wrote the whole file
     bool m_keepAlpha = false;
     int32_t m_pixelsPerMetre = 2835;
 };
@@ -515,7 +688,11 @@ DetectScore detect(std::span<const uint8_t> head, const char* path) {
 }
 
 HostPtr<FrameReader> open(Bytes&& file) {
-    return makeHost<BmpReader>(std::move(file));
+    return makeHost<BmpReader>(memorySource(std::move(file)));
+}
+
+HostPtr<FrameReader> openSource(HostPtr<Source>&& source) {
+    return makeHost<BmpReader>(std::move(source));
 }
 
 HostPtr<FrameWriter> create(int frames) {
@@ -529,6 +706,6 @@ HostPtr<FrameWriter> create(int frames) {
 
 } // namespace
 
-extern const Driver kBmpDriver = {"bmp", about, detect, open, create};
+extern const Driver kBmpDriver = {"bmp", about, detect, open, create, openSource};
 
 } // namespace tavix

@@ -442,13 +442,17 @@ class TgaReader : public FrameReader {
 
 // --- writing ---------------------------------------------------------------
 
-// Entries an indexed picture needs: its stated count, widened to cover every
+// Entries an indexed frame needs: its stated count, widened to cover every
 // index that occurs.
-int paletteEntries(const Picture& picture) {
-    int count = std::clamp(picture.numcolours, 0, 256);
-    for (uint8_t index : picture.indices)
-        count = std::max(count, index + 1);
-    return std::max(count, 1);
+int paletteEntries(const FrameView& frame) {
+    int count = std::clamp(frame.numcolours, 0, 256);
+    uint8_t top = 0;
+    for (size_t y = 0; y < static_cast<size_t>(frame.height); ++y) {
+        const uint8_t* row = frame.indices(y);
+        for (size_t x = 0; x < static_cast<size_t>(frame.width); ++x)
+            top = std::max(top, row[x]);
+    }
+    return std::max({count, top + 1, 1});
 }
 
 // Packs one row of `count` pixels of `bytes` bytes: repeats of two or more
@@ -478,37 +482,57 @@ void packRow(ByteWriter& out, const uint8_t* row, size_t count, size_t bytes) {
     }
 }
 
+// A Targa file holds one frame and nothing in it depends on another, so the
+// writer writes a caller's frame at once, straight from its rows; a frame
+// handed over as a picture is written the same way when the file is
+// finished.
 class TgaWriter : public FrameWriter {
   public:
     void add(const TavixInfo& info, std::span<const uint8_t>, Picture&& picture) override {
-        if (m_has) fail("a Targa file holds one image");
-        if (picture.width > 65535 || picture.height > 65535)
-            fail("Targa images are at most 65535 x 65535 pixels; this one is %d x %d",
-                 picture.width, picture.height);
+        take(info, picture.width, picture.height);
         m_picture = std::move(picture);
+    }
+
+    bool addDirect(intptr_t stream, const TavixInfo& info, std::span<const uint8_t>,
+                   const FrameView& frame) override {
+        take(info, frame.width, frame.height);
+        BlockSink sink(stream);
+        write(frame, sink);
+        m_written = true;
+        return true;
+    }
+
+    void finishTo(intptr_t stream) override {
+        if (m_written) return;
+        BlockSink sink(stream);
+        finishInto(sink);
+    }
+
+    void finish(Bytes& file) override {
+        BlockSink sink(file);
+        finishInto(sink);
+    }
+
+  private:
+    void take(const TavixInfo& info, int32_t width, int32_t height) {
+        if (m_has) fail("a Targa file holds one image");
+        if (width > 65535 || height > 65535)
+            fail("Targa images are at most 65535 x 65535 pixels; this one is %d x %d", width,
+                 height);
         m_packed = info.packed != 0;
         m_keepAlpha = info.alphabits > 0;
         m_has = true;
     }
 
-    // Rows go to the stream in blocks as they are made.
-    void finishTo(intptr_t stream) override {
-        Bytes file;
-        file.reserve(kBlockBytes + size_t(m_picture.width) * 4 * 2 + 1024);
-        m_sink = stream;
-        m_file = &file;
-        finish(file);
-        m_sink = 0;
-        writeWhole(stream, file);
+    void finishInto(BlockSink& sink) {
+        if (!m_has) fail("no image was given to write");
+        write(viewOf(m_picture), sink);
     }
 
-    void finish(Bytes& file) override {
-        if (!m_has) fail("no image was given to write");
-        m_file = &file;
-        ByteWriter out(file);
-        const Picture& p = m_picture;
+    void write(const FrameView& p, BlockSink& sink) {
+        ByteWriter out(sink.bytes());
         int entries = p.indexed ? paletteEntries(p) : 0;
-        bool alpha = p.indexed ? paletteHasAlpha(entries) : pixelsHaveAlpha();
+        bool alpha = p.indexed ? paletteHasAlpha(p, entries) : pixelsHaveAlpha(p);
         int depth = p.indexed ? 8 : alpha ? 32 : 24;
         out.u8(0);                 // no image ID
         out.u8(p.indexed ? 1 : 0); // colour map type
@@ -522,31 +546,37 @@ class TgaWriter : public FrameWriter {
         out.u16le(p.height);
         out.u8(depth);
         out.u8((alpha ? 8 : 0) | kTopLeftOrigin); // alpha bits of the pixel or map entry
-        if (p.indexed) writeMap(out, entries, alpha);
-        writePixels(out, depth / 8, alpha);
-        out.u32le(0); // no extension area
-        out.u32le(0); // no developer area
-        out.bytes(kFooterSignature, sizeof kFooterSignature);
+        if (p.indexed) writeMap(out, p, entries, alpha);
+        writePixels(p, sink, depth / 8, alpha);
+        ByteWriter end(sink.bytes());
+        end.u32le(0); // no extension area
+        end.u32le(0); // no developer area
+        end.bytes(kFooterSignature, sizeof kFooterSignature);
+        sink.flush();
     }
 
-  private:
-    bool paletteHasAlpha(int entries) const {
+    bool paletteHasAlpha(const FrameView& p, int entries) const {
         if (!m_keepAlpha) return false;
         for (int i = 0; i < entries; ++i)
-            if (m_picture.palette[i].alpha != 255) return true;
+            if (p.palette[i].alpha != 255) return true;
         return false;
     }
 
-    bool pixelsHaveAlpha() const {
+    bool pixelsHaveAlpha(const FrameView& p) const {
         if (!m_keepAlpha) return false;
-        for (uint32_t colour : m_picture.argb)
-            if (colour >> 24 != 255) return true;
+        for (size_t y = 0; y < static_cast<size_t>(p.height); ++y) {
+            const uint32_t* row = p.argb(y);
+            uint32_t all = 0xFF000000u;
+            for (size_t x = 0; x < static_cast<size_t>(p.width); ++x)
+                all &= row[x];
+            if (all >> 24 != 255) return true;
+        }
         return false;
     }
 
-    void writeMap(ByteWriter& out, int entries, bool alpha) {
+    void writeMap(ByteWriter& out, const FrameView& p, int entries, bool alpha) {
         for (int i = 0; i < entries; ++i) {
-            const TavixColour& c = m_picture.palette[i];
+            const TavixColour& c = p.palette[i];
             out.u8(c.blue);
             out.u8(c.green);
             out.u8(c.red);
@@ -554,41 +584,43 @@ class TgaWriter : public FrameWriter {
         }
     }
 
-    void writePixels(ByteWriter& out, size_t bytes, bool alpha) {
-        const Picture& p = m_picture;
-        size_t width = static_cast<size_t>(p.width);
-        Bytes row(width * bytes);
-        for (int y = 0; y < p.height; ++y) {
-            size_t first = static_cast<size_t>(y) * width;
-            if (p.indexed) {
-                memcpy(row.data(), &p.indices[first], width);
-            } else if (alpha && std::endian::native == std::endian::little) {
-                memcpy(row.data(), &p.argb[first], width * 4); // words are B, G, R, A in memory
-            } else {
+    void writePixels(const FrameView& p, BlockSink& sink, size_t bytes, bool alpha) {
+        const size_t width = static_cast<size_t>(p.width);
+        const bool asStored = p.indexed || (alpha && std::endian::native == std::endian::little);
+        if (asStored && !m_packed && static_cast<size_t>(p.pitch) == width * bytes) {
+            sink.put(p.base, width * bytes * static_cast<size_t>(p.height)); // rows back to back
+            return;
+        }
+        Bytes row(asStored ? 0 : width * bytes);
+        for (size_t y = 0; y < static_cast<size_t>(p.height); ++y) {
+            // Indices, and words on a little-endian host (B, G, R, A in
+            // memory), are already the stored bytes.
+            const uint8_t* data = p.indices(y);
+            if (!asStored) {
+                const uint32_t* from = p.argb(y);
                 for (size_t x = 0; x < width; ++x) {
-                    uint32_t c = p.argb[first + x];
+                    uint32_t c = from[x];
                     uint8_t* to = &row[x * bytes];
                     to[0] = static_cast<uint8_t>(c);
                     to[1] = static_cast<uint8_t>(c >> 8);
                     to[2] = static_cast<uint8_t>(c >> 16);
                     if (alpha) to[3] = static_cast<uint8_t>(c >> 24);
                 }
+                data = row.data();
             }
-            if (m_packed)
-                packRow(out, row.data(), width, bytes);
-            else
-                out.bytes(row.data(), row.size());
-            if (m_sink && m_file->size() >= kBlockBytes) {
-                writeWhole(m_sink, *m_file);
-                m_file->clear();
+            if (m_packed) {
+                ByteWriter out(sink.bytes());
+                packRow(out, data, width, bytes);
+                sink.rowDone();
+            } else {
+                sink.put(data, width * bytes);
             }
         }
     }
 
     Picture m_picture;
-    intptr_t m_sink = 0;     // the stream blocks go to, while finishTo runs
-    Bytes* m_file = nullptr; // the bytes finish() is making
     bool m_has = false;
+    bool m_written = false; // addDirect wrote the whole file
     bool m_packed = false;
     bool m_keepAlpha = false;
 };

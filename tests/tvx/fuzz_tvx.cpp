@@ -8,10 +8,41 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 namespace tavix {
 extern const Driver kTvxDriver;
 }
+
+namespace {
+
+// Decoding straight into rows with padding must give decode()'s pixels and
+// palette and never touch the padding.
+void checkDirectDecode(tavix::FrameReader& reader, int frame, const TavixInfo& info,
+                       const tavix::Picture& picture) {
+    const size_t width = static_cast<size_t>(picture.width);
+    const size_t height = static_cast<size_t>(picture.height);
+    if (width * height > (1u << 16)) return;
+    const size_t bytes = picture.indexed ? 1 : 4;
+    const size_t pitch = width * bytes + 8;
+    std::vector<uint8_t> rows(pitch * height, 0xAB);
+    TavixInfo request = info;
+    memset(request.colours, 0, sizeof request.colours);
+    if (!reader.decodeInto(frame, request, rows.data(), static_cast<ptrdiff_t>(pitch))) abort();
+    for (size_t y = 0; y < height; ++y) {
+        const uint8_t* row = rows.data() + y * pitch;
+        const void* expected = picture.indexed
+                                   ? static_cast<const void*>(&picture.indices[y * width])
+                                   : static_cast<const void*>(&picture.argb[y * width]);
+        if (memcmp(row, expected, width * bytes) != 0) abort();
+        for (size_t i = width * bytes; i < pitch; ++i)
+            if (row[i] != 0xAB) abort();
+    }
+    if (picture.indexed && memcmp(request.colours, picture.palette, sizeof request.colours) != 0)
+        abort();
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     using namespace tavix;
@@ -28,6 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             reader->describe(i, info, tail);
             Picture picture;
             reader->decode(i, picture);
+            checkDirectDecode(*reader, i, info, picture);
         }
     } catch (const FormatError&) {
     } catch (const std::bad_alloc&) {

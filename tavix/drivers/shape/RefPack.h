@@ -31,13 +31,23 @@ struct Decoded {
 // before the output is complete.
 Decoded decode(std::span<const uint8_t> data, size_t limit);
 
+// What decode() would give and take, checked the same way, without
+// producing the output: listing a file needs where a stream ends, not its
+// bytes.
+struct Measured {
+    size_t size = 0;     // the declared (and produced) output size
+    size_t consumed = 0; // as Decoded::consumed
+};
+Measured measure(std::span<const uint8_t> data, size_t limit);
+
 // The first `count` bytes of the output (for detection); fails when the
 // stream cannot produce them.
 Bytes peek(std::span<const uint8_t> data, size_t count);
 
 // Compresses `data` into a complete stream without the compressed-size
-// field. Hash chains over the whole 128 KiB window, one step of lazy
-// matching.
+// field. Hash chains over the whole 128 KiB window (at most 48 links
+// followed), one step of lazy matching for matches shorter than 32 bytes,
+// and a growing stride over long stretches without matches.
 Bytes encode(std::span<const uint8_t> data);
 
 } // namespace tavix::refpack

@@ -4,6 +4,7 @@
 #include "tavix/drivers/shape/Dxt.h"
 #include "tavix/drivers/shape/Format.h"
 
+#include <bit>
 #include <cstring>
 #include <utility>
 
@@ -177,8 +178,11 @@ void decodeLevel(const Variant& variant, Layout layout, const uint8_t* src, int3
     const size_t n = px.size();
     switch (layout) {
     case Layout::Argb8888:
-        for (size_t i = 0; i < n; ++i)
-            px[i] = get32(src + 4 * i, big);
+        if (!big && std::endian::native == std::endian::little)
+            memcpy(px.data(), src, 4 * n); // stored B, G, R, A is the word 0xAARRGGBB
+        else
+            for (size_t i = 0; i < n; ++i)
+                px[i] = get32(src + 4 * i, big);
         break;
     case Layout::Rgb888:
         for (size_t i = 0; i < n; ++i)
@@ -236,36 +240,78 @@ void encodeLevel(const Variant& variant, Layout layout, const Picture& in, int q
         out.insert(out.end(), blocks.begin(), blocks.end());
         return;
     }
-    out.reserve(out.size() + levelBytes(layout, in.width, in.height));
-    for (size_t i = 0; i < n; ++i) {
-        const uint32_t c = in.argbAt(i);
-        switch (layout) {
-        case Layout::Argb8888:
-            put32(out, c, big);
-            break;
-        case Layout::Rgb888:
-            out.push_back(static_cast<uint8_t>(c));
-            out.push_back(static_cast<uint8_t>(c >> 8));
-            out.push_back(static_cast<uint8_t>(c >> 16));
-            break;
-        case Layout::Argb1555:
-            put16(out, to1555(c), big);
-            break;
-        case Layout::Rgb565:
-            put16(out, to565(c), big);
-            break;
-        case Layout::Argb4444:
-            put16(out, to4444(c), big);
-            break;
-        case Layout::Ps2Rgba8888:
-            out.push_back(static_cast<uint8_t>(c >> 16));
-            out.push_back(static_cast<uint8_t>(c >> 8));
-            out.push_back(static_cast<uint8_t>(c));
-            out.push_back(static_cast<uint8_t>(ps2AlphaOut(c >> 24)));
-            break;
-        default:
-            fail("layout %d cannot be written", static_cast<int>(layout));
-        }
+    if (layout == Layout::Argb8888 && !big && !in.indexed &&
+        std::endian::native == std::endian::little) {
+        // The words as they lie in memory are the stored bytes.
+        const auto* words = reinterpret_cast<const uint8_t*>(in.argb.data());
+        out.insert(out.end(), words, words + 4 * n);
+        return;
+    }
+    size_t step = 0;
+    switch (layout) {
+    case Layout::Argb8888:
+    case Layout::Ps2Rgba8888:
+        step = 4;
+        break;
+    case Layout::Rgb888:
+        step = 3;
+        break;
+    case Layout::Argb1555:
+    case Layout::Rgb565:
+    case Layout::Argb4444:
+        step = 2;
+        break;
+    default:
+        fail("layout %d cannot be written", static_cast<int>(layout));
+    }
+    const size_t start = out.size();
+    out.resize(start + step * n);
+    uint8_t* to = out.data() + start;
+    uint32_t colours[256];
+    if (in.indexed)
+        for (int i = 0; i < 256; ++i)
+            colours[i] = in.paletteArgb(i);
+    // The layout is chosen once, outside the loop over the pixels.
+    auto each = [&](auto&& store) {
+        if (in.indexed)
+            for (size_t i = 0; i < n; ++i, to += step)
+                store(colours[in.indices[i]]);
+        else
+            for (size_t i = 0; i < n; ++i, to += step)
+                store(in.argb[i]);
+    };
+    auto store16 = [&](uint32_t v) {
+        to[big ? 0 : 1] = static_cast<uint8_t>(v >> 8);
+        to[big ? 1 : 0] = static_cast<uint8_t>(v);
+    };
+    switch (layout) {
+    case Layout::Argb8888:
+        each([&](uint32_t c) { set32(to, c, big); });
+        break;
+    case Layout::Rgb888:
+        each([&](uint32_t c) {
+            to[0] = static_cast<uint8_t>(c);
+            to[1] = static_cast<uint8_t>(c >> 8);
+            to[2] = static_cast<uint8_t>(c >> 16);
+        });
+        break;
+    case Layout::Argb1555:
+        each([&](uint32_t c) { store16(to1555(c)); });
+        break;
+    case Layout::Rgb565:
+        each([&](uint32_t c) { store16(to565(c)); });
+        break;
+    case Layout::Argb4444:
+        each([&](uint32_t c) { store16(to4444(c)); });
+        break;
+    default: // Ps2Rgba8888
+        each([&](uint32_t c) {
+            to[0] = static_cast<uint8_t>(c >> 16);
+            to[1] = static_cast<uint8_t>(c >> 8);
+            to[2] = static_cast<uint8_t>(c);
+            to[3] = static_cast<uint8_t>(ps2AlphaOut(c >> 24));
+        });
+        break;
     }
 }
 

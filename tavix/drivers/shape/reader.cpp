@@ -9,6 +9,7 @@
 #include "tavix/drivers/shape/Shape.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -111,6 +112,7 @@ class ShapeReader : public FrameReader {
 
     void describe(int frame, TavixInfo& info, Bytes& tail) override;
     void decode(int frame, Picture& out) override;
+    bool decodeInto(int frame, TavixInfo& info, uint8_t* pixels, ptrdiff_t pitch) override;
 
   private:
     bool big() const { return m_variant.bigEndian; }
@@ -458,6 +460,34 @@ void ShapeReader::decode(int frame, Picture& out) {
     paletteOf(e, out.palette, out.numcolours);
 }
 
+// Layouts whose stored rows are the caller's rows byte for byte (indices,
+// and on a little-endian host little-endian ARGB words) are copied
+// straight across, without a picture between.
+bool ShapeReader::decodeInto(int frame, TavixInfo& info, uint8_t* pixels, ptrdiff_t pitch) {
+    const FrameRef ref = m_frames[frame];
+    const Entry& e = m_entries[ref.entry];
+    if (e.kind != Kind::Bitmap) return false;
+    const Layout layout = e.format->layout;
+    const bool indexed = layout == Layout::Idx8;
+    const bool words =
+        layout == Layout::Argb8888 && !big() && std::endian::native == std::endian::little;
+    if (!indexed && !words) return false;
+    const int32_t width = levelSide(e.width, ref.level);
+    const int32_t height = levelSide(e.height, ref.level);
+    if (info.width != width || info.height != height || (info.bufferbpp <= 8) != indexed)
+        return false;
+    ByteSpan payload = payloadOf(ref.entry);
+    const size_t rowBytes = static_cast<size_t>(width) * (indexed ? 1 : 4);
+    const uint8_t* from = payload.data() + levelOffset(e, ref.level);
+    for (size_t y = 0; y < static_cast<size_t>(height); ++y)
+        memcpy(pixels + static_cast<ptrdiff_t>(y) * pitch, from + y * rowBytes, rowBytes);
+    if (indexed) {
+        int32_t count = 0;
+        paletteOf(e, info.colours, count);
+    }
+    return true;
+}
+
 void ShapeReader::describe(int frame, TavixInfo& info, Bytes& tail) {
     const FrameRef ref = m_frames[frame];
     const Entry& e = m_entries[ref.entry];
@@ -563,9 +593,25 @@ void ShapeReader::keepStoredPixels(const Entry& e, int level, const TavixInfo& i
                                    TailBuilder& t) {
     try {
         const int entryIndex = static_cast<int>(&e - m_entries.data());
+        const Layout layout = e.format->layout;
+        if (layout == Layout::Idx8 || layout == Layout::Argb8888 || layout == Layout::Rgb888) {
+            // Every stored byte of these comes back from its pixels, so no
+            // pixels need keeping and listing the file never decodes them;
+            // a packed stream only needs to be checked and measured.
+            if (level != 0 || !(e.id & kRecPacked)) return;
+            const size_t start = e.chain[0].pos + 16;
+            size_t consumed = m_cacheConsumed;
+            if (m_cacheEntry != entryIndex) {
+                refpack::Measured m = refpack::measure({&m_file[start], e.chain[0].end - start},
+                                                       e.payload + kPackedSlack);
+                if (m.size < e.payload) return; // reading the frame reports it
+                consumed = m.consumed;
+            }
+            t.add(tail::kTagPacked, ByteSpan(&m_file[start], consumed));
+            return;
+        }
         size_t consumed = 0;
         ByteSpan payload = payloadOf(entryIndex, &consumed);
-        const Layout layout = e.format->layout;
         const int32_t w = info.width, h = info.height;
         ByteSpan stored = payload.subspan(levelOffset(e, level), levelBytes(layout, w, h));
         bool lossless = layout != Layout::Dxt1 && layout != Layout::Dxt3 &&

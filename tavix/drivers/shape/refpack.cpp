@@ -3,6 +3,7 @@
 #include "tavix/core/Errors.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace tavix::refpack {
@@ -48,12 +49,15 @@ size_t run(std::span<const uint8_t> data, const Header& header, uint8_t* out, si
     auto need = [&](size_t n) {
         if (end - at < n) fail("the RefPack stream ends inside a command at byte %zu", at);
     };
+    // Every count is checked against the input, the declared size and the
+    // output written so far before a byte moves; the bytes then move in
+    // blocks. Without `out` the stream is only checked and measured.
     auto put = [&](size_t literals, size_t length, size_t distance) {
         if (literals) {
             need(literals);
             if (header.size - done < literals) fail("RefPack literals run past the declared size");
-            for (size_t i = 0; i < literals && done + i < capacity; ++i)
-                out[done + i] = in[at + i];
+            if (out && done < capacity)
+                memcpy(out + done, in + at, std::min(literals, capacity - done));
             at += literals;
             done += literals;
         }
@@ -61,9 +65,27 @@ size_t run(std::span<const uint8_t> data, const Header& header, uint8_t* out, si
             if (distance > done)
                 fail("a RefPack copy reaches %zu bytes back with only %zu written", distance, done);
             if (header.size - done < length) fail("a RefPack copy runs past the declared size");
-            const size_t stop = std::min(done + length, capacity);
-            for (size_t k = done; k < stop; ++k)
-                out[k] = out[k - distance]; // may overlap
+            if (out && done < capacity) {
+                const size_t n = std::min(done + length, capacity) - done;
+                uint8_t* to = out + done;
+                const uint8_t* from = to - distance;
+                if (distance >= n) {
+                    memcpy(to, from, n);
+                } else if (distance == 1) {
+                    memset(to, *from, n);
+                } else {
+                    // Overlapping: the copy repeats the last `distance`
+                    // bytes. What is written so far is whole periods, so
+                    // it can be copied again from `from` in one block,
+                    // doubling the written stretch each time.
+                    size_t copied = 0;
+                    while (copied < n) {
+                        const size_t chunk = std::min(n - copied, copied + distance);
+                        memcpy(to + copied, from, chunk);
+                        copied += chunk;
+                    }
+                }
+            }
             done += length;
         }
     };
@@ -127,6 +149,14 @@ void checkPlausible(std::span<const uint8_t> data, const Header& header, size_t 
 constexpr int kMaxHashBits = 16;
 constexpr int kMaxChain = 48;
 constexpr size_t kNiceLength = 256;
+// A match at least this long is taken without looking one byte further.
+constexpr size_t kLazyBelow = 32;
+// After this many positions in a row without a match the search looks only
+// at every second position, after twice as many at every third, and so on
+// up to every kMaxSkip-th: data that does not repeat (noise, packed data)
+// is passed over quickly, and the first match brings the step back to one.
+constexpr size_t kSkipAfter = 128;
+constexpr size_t kMaxSkip = 32;
 
 uint32_t hash3(const uint8_t* p, int bits) {
     uint32_t v = static_cast<uint32_t>(p[0]) << 16 | p[1] << 8 | p[2];
@@ -142,12 +172,40 @@ int hashBitsFor(size_t size) {
     return bits;
 }
 
+// The chain ring: a power of two, so a position's slot is a mask away.
+size_t ringFor(size_t size) {
+    size_t ring = 1024;
+    while (ring < kWindow && ring < size)
+        ring <<= 1;
+    return ring;
+}
+
 // Bytes a copy command of this length and distance takes; 0 = impossible.
 size_t copyCost(size_t length, size_t distance) {
     if (length >= 3 && length <= 10 && distance <= 1024) return 2;
     if (length >= 4 && length <= 67 && distance <= 16384) return 3;
     if (length >= 5 && length <= kMaxCopy && distance <= kWindow) return 4;
     return 0;
+}
+
+// How many leading bytes of a and b agree, up to `limit`; eight at a time.
+size_t commonLength(const uint8_t* a, const uint8_t* b, size_t limit) {
+    size_t n = 0;
+    while (n + 8 <= limit) {
+        uint64_t x, y;
+        memcpy(&x, a + n, 8);
+        memcpy(&y, b + n, 8);
+        if (x != y) {
+            if constexpr (std::endian::native == std::endian::little)
+                return n + static_cast<size_t>(std::countr_zero(x ^ y)) / 8;
+            else
+                return n + static_cast<size_t>(std::countl_zero(x ^ y)) / 8;
+        }
+        n += 8;
+    }
+    while (n < limit && a[n] == b[n])
+        ++n;
+    return n;
 }
 
 struct Match {
@@ -163,19 +221,23 @@ class Encoder {
   public:
     Encoder(std::span<const uint8_t> data, Bytes& out)
         : m_in(data.data()), m_size(data.size()), m_out(out), m_bits(hashBitsFor(m_size)),
-          m_head(size_t{1} << m_bits, -1),
-          m_prev(std::min(kWindow, std::max<size_t>(m_size, 1)), -1) {}
+          m_head(size_t{1} << m_bits, -1), m_prev(ringFor(m_size), -1),
+          m_mask(m_prev.size() - 1) {}
 
     void run() {
         size_t pos = 0, literalStart = 0;
         while (pos < m_size) {
             Match here = best(pos);
             if (here.saving() <= 0) {
-                insert(pos++);
+                // Every position still goes into the chains, so a repeat
+                // of this stretch is found as soon as the search looks.
+                const size_t step = std::min(kMaxSkip, 1 + (pos - literalStart) / kSkipAfter);
+                for (size_t end = std::min(pos + step, m_size); pos < end; ++pos)
+                    insert(pos);
                 continue;
             }
             insert(pos);
-            if (pos + 1 < m_size) {
+            if (here.length < kLazyBelow && pos + 1 < m_size) {
                 Match next = best(pos + 1);
                 if (next.saving() > here.saving() + 1) { // worth one more literal
                     ++pos;
@@ -197,7 +259,7 @@ class Encoder {
     void insert(size_t pos) {
         if (pos + 3 > m_size) return;
         uint32_t h = hash3(m_in + pos, m_bits);
-        m_prev[pos % m_prev.size()] = m_head[h];
+        m_prev[pos & m_mask] = m_head[h];
         m_head[h] = static_cast<int32_t>(pos);
     }
 
@@ -205,21 +267,21 @@ class Encoder {
         Match found;
         if (pos + 3 > m_size) return found;
         const size_t limit = std::min(kMaxCopy, m_size - pos);
-        int32_t candidate = m_head[hash3(m_in + pos, m_bits)];
+        const uint8_t* a = m_in + pos;
+        int32_t candidate = m_head[hash3(a, m_bits)];
         for (int chain = 0; candidate >= 0 && chain < kMaxChain; ++chain) {
             size_t distance = pos - static_cast<size_t>(candidate);
             if (distance > kWindow || distance == 0) break;
-            const uint8_t* a = m_in + pos;
             const uint8_t* b = m_in + candidate;
-            if (b[found.length] == a[found.length] || found.length == 0) {
-                size_t n = 0;
-                while (n < limit && a[n] == b[n])
-                    ++n;
+            // Only a candidate that agrees at the byte where the best so
+            // far stops can beat it.
+            if (found.length == 0 || (found.length < limit && b[found.length] == a[found.length])) {
+                size_t n = commonLength(a, b, limit);
                 Match m{n, distance};
                 if (m.saving() > found.saving()) found = m;
                 if (n >= kNiceLength || n == limit) break;
             }
-            int32_t older = m_prev[static_cast<size_t>(candidate) % m_prev.size()];
+            int32_t older = m_prev[static_cast<size_t>(candidate) & m_mask];
             if (older >= candidate) break; // the ring slot was reused
             candidate = older;
         }
@@ -268,6 +330,7 @@ class Encoder {
     int m_bits;
     HostVector<int32_t> m_head; // positions fit: the host counts sizes in 31 bits
     HostVector<int32_t> m_prev;
+    size_t m_mask;
 };
 
 } // namespace
@@ -287,6 +350,12 @@ Decoded decode(std::span<const uint8_t> data, size_t limit) {
     result.bytes.assign(header.size, 0);
     result.consumed = run(data, header, result.bytes.data(), header.size, false);
     return result;
+}
+
+Measured measure(std::span<const uint8_t> data, size_t limit) {
+    Header header = readHeader(data);
+    checkPlausible(data, header, limit);
+    return {header.size, run(data, header, nullptr, header.size, false)};
 }
 
 Bytes peek(std::span<const uint8_t> data, size_t count) {

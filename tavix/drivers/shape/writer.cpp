@@ -101,12 +101,14 @@ class ShapeWriter : public FrameWriter {
     }
 
     void finish(Bytes& file) override;
+    void finishTo(intptr_t stream) override;
 
   private:
     bool big() const { return m_variant.bigEndian; }
     Pending& frame(int i) { return *m_frames[i]; }
     uint8_t chooseRecord(const Pending& f);
     bool isPaletteEntry(const Pending& f) const;
+    bool build(Bytes& head, HostVector<Bytes>& entries);
     void plan();
     bool folds(const Plan& plan, const Pending& f, uint8_t id) const;
     void paletteColours(const Pending& f, TavixColour out[256], int& count) const;
@@ -283,7 +285,9 @@ void ShapeWriter::bitmapRecord(const Plan& plan, Piece& piece) {
     const Pending& f = frame(plan.base);
     const TavixInfo& info = f.info;
     const bool packed = info.packed != 0;
+    Bytes raw = pixels(plan);
     Bytes& out = piece.bytes;
+    if (!packed) out.reserve(16 + raw.size());
     out.push_back(static_cast<uint8_t>(plan.id | (packed ? kRecPacked : 0)));
     put24(out, 0, big());
     put16(out, static_cast<uint32_t>(f.picture.width), big());
@@ -299,7 +303,6 @@ void ShapeWriter::bitmapRecord(const Plan& plan, Piece& piece) {
           static_cast<uint32_t>(plan.levels.size()) << 12 |
               clamp(info.defaulty, 4095, m_positionReported, "positions"),
           big());
-    Bytes raw = pixels(plan);
     if (!packed) {
         out.insert(out.end(), raw.begin(), raw.end());
         return;
@@ -480,12 +483,19 @@ void ShapeWriter::writeEntry(const Plan& plan, Bytes& out) {
                  "24 bits); drop its name, comment and hot spots or make it smaller",
                  f.info.framename, padded);
         set24(&b[1], static_cast<uint32_t>(next), big());
-        out.insert(out.end(), b.begin(), b.end());
-        out.resize(out.size() + (padded - b.size()), 0);
+        const size_t size = b.size();
+        if (out.empty())
+            out = std::move(b); // the bitmap record, usually nearly all of the entry
+        else
+            out.insert(out.end(), b.begin(), b.end());
+        out.resize(out.size() + (padded - size), 0);
     }
 }
 
-void ShapeWriter::finish(Bytes& file) {
+// The file's header and directory, and each entry's records, apart: the
+// entries can then go to the stream one by one without ever being copied
+// into one block. Returns whether the whole file is to be packed.
+bool ShapeWriter::build(Bytes& head, HostVector<Bytes>& entries) {
     plan();
     globalPalette();
     const Pending* source = nullptr;
@@ -503,6 +513,7 @@ void ShapeWriter::finish(Bytes& file) {
     const size_t count = m_plans.size();
     const size_t dirEnd = 16 + 8 * count;
     const size_t firstRecord = (dirEnd + 15) & ~size_t{15};
+    Bytes& file = head;
     file.clear();
     const bool keepMagic = source && hasMagic(m_variant, ByteSpan(source->tail.magic, 4));
     file.insert(
@@ -517,17 +528,55 @@ void ShapeWriter::finish(Bytes& file) {
     file.resize(firstRecord, 0);
     if (source && source->tail.dirPad.size() == firstRecord - dirEnd)
         std::copy(source->tail.dirPad.begin(), source->tail.dirPad.end(), file.begin() + dirEnd);
+    entries.clear();
+    entries.resize(count);
+    uint64_t total = file.size();
     for (size_t i = 0; i < count; ++i) {
         const Pending& f = frame(m_plans[i].base);
         uint8_t name[4];
         directoryName(f, name);
         memcpy(&file[16 + 8 * i], name, 4);
-        set32(&file[16 + 8 * i + 4], static_cast<uint32_t>(file.size()), big());
-        writeEntry(m_plans[i], file);
+        if (total > 0xFFFFFFFFu) fail("the file would exceed 4 GiB");
+        set32(&file[16 + 8 * i + 4], static_cast<uint32_t>(total), big());
+        writeEntry(m_plans[i], entries[i]);
+        total += entries[i].size();
     }
-    if (file.size() > 0xFFFFFFFFu) fail("the file would exceed 4 GiB");
-    set32(&file[4], static_cast<uint32_t>(file.size()), big());
-    if (source && (source->tail.fileFlags & tail::kFileWholePacked)) file = refpack::encode(file);
+    if (total > 0xFFFFFFFFu) fail("the file would exceed 4 GiB");
+    set32(&file[4], static_cast<uint32_t>(total), big());
+    return source && (source->tail.fileFlags & tail::kFileWholePacked);
+}
+
+// The header followed by every entry, each entry given back once copied.
+void assemble(Bytes& file, HostVector<Bytes>& entries) {
+    size_t total = file.size();
+    for (const Bytes& entry : entries)
+        total += entry.size();
+    file.reserve(total);
+    for (Bytes& entry : entries) {
+        file.insert(file.end(), entry.begin(), entry.end());
+        Bytes().swap(entry);
+    }
+}
+
+void ShapeWriter::finish(Bytes& file) {
+    HostVector<Bytes> entries;
+    const bool wholePacked = build(file, entries);
+    assemble(file, entries);
+    if (wholePacked) file = refpack::encode(file);
+}
+
+void ShapeWriter::finishTo(intptr_t stream) {
+    Bytes head;
+    HostVector<Bytes> entries;
+    if (build(head, entries)) {
+        // A file packed as a whole is one stream over all of its bytes.
+        assemble(head, entries);
+        writeWhole(stream, refpack::encode(head));
+        return;
+    }
+    writeWhole(stream, head);
+    for (const Bytes& entry : entries)
+        writeWhole(stream, entry);
 }
 
 } // namespace

@@ -29,6 +29,31 @@ struct Kept {
 
 void quiet(const char*) {}
 
+// Decoding straight into padded rows must give decode()'s pixels and
+// palette and leave the padding alone.
+void checkDirectDecode(FrameReader& reader, int frame, const TavixInfo& info,
+                       const Picture& picture) {
+    const size_t width = static_cast<size_t>(picture.width);
+    const size_t height = static_cast<size_t>(picture.height);
+    const size_t bytes = picture.indexed ? 1 : 4;
+    const size_t pitch = width * bytes + 8;
+    Bytes rows(pitch * height, 0xAB);
+    TavixInfo request = info;
+    memset(request.colours, 0, sizeof request.colours);
+    if (!reader.decodeInto(frame, request, rows.data(), static_cast<ptrdiff_t>(pitch))) return;
+    for (size_t y = 0; y < height; ++y) {
+        const uint8_t* row = rows.data() + y * pitch;
+        const void* expected = picture.indexed
+                                   ? static_cast<const void*>(&picture.indices[y * width])
+                                   : static_cast<const void*>(&picture.argb[y * width]);
+        if (memcmp(row, expected, width * bytes) != 0) abort();
+        for (size_t i = width * bytes; i < pitch; ++i)
+            if (row[i] != 0xAB) abort();
+    }
+    if (picture.indexed && memcmp(request.colours, picture.palette, sizeof request.colours) != 0)
+        abort();
+}
+
 void readAndRewrite(const Driver& driver, const uint8_t* data, size_t size, bool again) {
     HostVector<HostPtr<Kept>> kept;
     try {
@@ -49,6 +74,7 @@ void readAndRewrite(const Driver& driver, const uint8_t* data, size_t size, bool
             } catch (const FormatError&) {
                 continue;
             }
+            checkDirectDecode(*reader, i, k->info, k->picture);
             kept.push_back(std::move(k));
         }
     } catch (const FormatError&) {
