@@ -79,7 +79,8 @@ bool readOneFrame(TavixReader reader, int index, TavixFrame& frame, std::string&
         return true;
     }
     frame.pitch = TavixRowPitch(info->width, info->bufferbpp);
-    AllocateFramePixels(frame, static_cast<size_t>(frame.pitch) * static_cast<size_t>(info->height));
+    AllocateFramePixels(frame,
+                        static_cast<size_t>(frame.pitch) * static_cast<size_t>(info->height));
     if (!TavixRead(reader, info.get(), frame.pixels.data(), frame.pitch)) {
         noteFailure(error, index, "its pixels could not be read");
         return false;
