@@ -200,17 +200,18 @@ void filterRows(const Column* cols, const Contributions& cx, const Transparency&
     }
 }
 
+// Source rows y .. y + 3 (those that exist) into their intermediate rows,
+// row r at slot r % ringRows.
 template <bool Respect>
-void horizontalPass(const ArgbView& src, const Contributions& cx, const Transparency& tr,
-                    Column* cols, uint8_t* inter, int32_t interRowbytes) {
-    for (int32_t y = 0; y < src.height; y += 4) {
-        int32_t rows = src.height - y < 4 ? src.height - y : 4;
-        uint8_t* out[4];
-        for (int32_t k = 0; k < 4; ++k)
-            out[k] = inter + static_cast<ptrdiff_t>(y + (k < rows ? k : 0)) * interRowbytes;
-        loadRows<Respect>(src, y, tr, cols);
-        filterRows<Respect>(cols, cx, tr, out, rows);
-    }
+void horizontalBlock(const ArgbView& src, int32_t y, const Contributions& cx,
+                     const Transparency& tr, Column* cols, uint8_t* ring, int32_t ringRows,
+                     int32_t interRowbytes) {
+    int32_t rows = src.height - y < 4 ? src.height - y : 4;
+    uint8_t* out[4];
+    for (int32_t k = 0; k < 4; ++k)
+        out[k] = ring + static_cast<ptrdiff_t>((y + (k < rows ? k : 0)) % ringRows) * interRowbytes;
+    loadRows<Respect>(src, y, tr, cols);
+    filterRows<Respect>(cols, cx, tr, out, rows);
 }
 
 // ---- Vertical pass ----------------------------------------------------------
@@ -275,17 +276,87 @@ void filterColumns(const uint8_t* const* rowp, const float* weight, int32_t n, f
     }
 }
 
-template <Mode M>
-void verticalPass(const uint8_t* inter, int32_t interRowbytes, const Contributions& cy,
-                  const Transparency& tr, const ArgbTarget& dst, const uint8_t** rowp) {
+// The lowest and highest source row of list y.
+void rowSpan(const Contributions& cy, int32_t y, int32_t* lo, int32_t* hi) {
+    *lo = INT32_MAX;
+    *hi = -1;
+    for (int32_t t = cy.first[y]; t < cy.first[y + 1]; ++t) {
+        if (cy.index[t] < *lo) *lo = cy.index[t];
+        if (cy.index[t] > *hi) *hi = cy.index[t];
+    }
+}
+
+// How many intermediate rows must be kept when the horizontal pass runs
+// only as far ahead as the vertical pass needs, four rows at a time, and
+// each new row overwrites the oldest: the most rows between the lowest one
+// a result row reads and the last one made by then. Never more than the
+// source's height, where the ring is the whole intermediate image.
+int32_t ringRowsFor(const Contributions& cy, int32_t height) {
+    int32_t made = 0, need = 1;
+    for (int32_t y = 0; y < cy.count; ++y) {
+        int32_t lo, hi;
+        rowSpan(cy, y, &lo, &hi);
+        if (hi < 0) continue;
+        while (made <= hi)
+            made = made + 4 < height ? made + 4 : height;
+        if (made - lo > need) need = made - lo;
+    }
+    return need < height ? need : height;
+}
+
+// Both passes, row by row of the result: the source rows a result row
+// needs are filtered horizontally just before it, into a ring of
+// intermediate rows that stays in cache, instead of into a whole
+// intermediate image. Each intermediate row is computed exactly as the
+// whole-image order would, so the bytes are the same. With `ahead` every
+// source row is filtered first, which a result written over its own
+// source needs.
+template <bool Respect, Mode M>
+void resampleRows(const ArgbView& src, const Contributions& cx, const Contributions& cy,
+                  const Transparency& tr, Column* cols, uint8_t* ring, int32_t ringRows,
+                  int32_t interRowbytes, bool ahead, const ArgbTarget& dst, const uint8_t** rowp) {
+    int32_t made = 0;
+    auto makeThrough = [&](int32_t row) {
+        for (; made <= row; made += 4)
+            horizontalBlock<Respect>(src, made, cx, tr, cols, ring, ringRows, interRowbytes);
+        if (made > src.height) made = src.height;
+    };
+    if (ahead) makeThrough(src.height - 1);
     for (int32_t y = 0; y < dst.height; ++y) {
+        int32_t lo, hi;
+        rowSpan(cy, y, &lo, &hi);
+        makeThrough(hi);
         int32_t first = cy.first[y];
         int32_t n = cy.first[y + 1] - first;
         for (int32_t t = 0; t < n; ++t)
-            rowp[t] = inter + static_cast<ptrdiff_t>(cy.index[first + t]) * interRowbytes;
+            rowp[t] = ring + static_cast<ptrdiff_t>(cy.index[first + t] % ringRows) * interRowbytes;
         uint8_t* out = dst.pixels + static_cast<ptrdiff_t>(y) * dst.rowbytes;
         filterColumns<M>(rowp, cy.weight + first, n, cy.weightSum[y], dst.width, tr, out);
     }
+}
+
+template <bool Respect>
+void resampleRows(Mode mode, const ArgbView& src, const Contributions& cx, const Contributions& cy,
+                  const Transparency& tr, Column* cols, uint8_t* ring, int32_t ringRows,
+                  int32_t interRowbytes, bool ahead, const ArgbTarget& dst, const uint8_t** rowp) {
+    if (mode == Mode::NoAlpha)
+        resampleRows<Respect, Mode::NoAlpha>(src, cx, cy, tr, cols, ring, ringRows, interRowbytes,
+                                             ahead, dst, rowp);
+    else if (mode == Mode::Respect)
+        resampleRows<Respect, Mode::Respect>(src, cx, cy, tr, cols, ring, ringRows, interRowbytes,
+                                             ahead, dst, rowp);
+    else
+        resampleRows<Respect, Mode::Plain>(src, cx, cy, tr, cols, ring, ringRows, interRowbytes,
+                                           ahead, dst, rowp);
+}
+
+// Whether writing the result can overwrite source pixels not yet read.
+bool overlaps(const ArgbView& src, const ArgbTarget& dst) {
+    auto a = reinterpret_cast<uintptr_t>(src.pixels);
+    auto b = reinterpret_cast<uintptr_t>(dst.pixels);
+    uintptr_t aEnd = a + static_cast<uintptr_t>(src.rowbytes) * static_cast<uintptr_t>(src.height);
+    uintptr_t bEnd = b + static_cast<uintptr_t>(dst.rowbytes) * static_cast<uintptr_t>(dst.height);
+    return a < bEnd && b < aEnd;
 }
 
 } // namespace
@@ -308,24 +379,25 @@ bool resample_argb(const ArgbView& src, const ArgbTarget& dst, const Options& op
     Aligned cols, inter, rows;
     int32_t interRowbytes = dst.width * 4;
     bool ok = contributions_build(&cx, src.width, dst.width, options.filter) &&
-              contributions_build(&cy, src.height, dst.height, options.filter) &&
-              cols.take(static_cast<int64_t>(src.width) * sizeof(Column)) &&
-              inter.take(static_cast<int64_t>(interRowbytes) * src.height) &&
-              rows.take(static_cast<int64_t>(cy.maxTaps > 0 ? cy.maxTaps : 1) * sizeof(void*));
+              contributions_build(&cy, src.height, dst.height, options.filter);
+    const bool ahead = ok && overlaps(src, dst);
+    const int32_t ringRows = !ok ? 0 : ahead ? src.height : ringRowsFor(cy, src.height);
+    ok = ok && cols.take(static_cast<int64_t>(src.width) * sizeof(Column)) &&
+         inter.take(static_cast<int64_t>(interRowbytes) * ringRows) &&
+         rows.take(static_cast<int64_t>(cy.maxTaps > 0 ? cy.maxTaps : 1) * sizeof(void*));
     if (ok) {
         auto* columns = static_cast<Column*>(cols.data);
-        auto* mid = static_cast<uint8_t*>(inter.data);
+        auto* ring = static_cast<uint8_t*>(inter.data);
         auto** rowp = static_cast<const uint8_t**>(rows.data);
+        const Mode mode = !options.resultHasAlpha ? Mode::NoAlpha
+                          : options.respectAlpha  ? Mode::Respect
+                                                  : Mode::Plain;
         if (options.respectAlpha)
-            horizontalPass<true>(src, cx, tr, columns, mid, interRowbytes);
+            resampleRows<true>(mode, src, cx, cy, tr, columns, ring, ringRows, interRowbytes, ahead,
+                               dst, rowp);
         else
-            horizontalPass<false>(src, cx, tr, columns, mid, interRowbytes);
-        if (!options.resultHasAlpha)
-            verticalPass<Mode::NoAlpha>(mid, interRowbytes, cy, tr, dst, rowp);
-        else if (options.respectAlpha)
-            verticalPass<Mode::Respect>(mid, interRowbytes, cy, tr, dst, rowp);
-        else
-            verticalPass<Mode::Plain>(mid, interRowbytes, cy, tr, dst, rowp);
+            resampleRows<false>(mode, src, cx, cy, tr, columns, ring, ringRows, interRowbytes,
+                                ahead, dst, rowp);
     }
     rows.release();
     inter.release();

@@ -2,7 +2,9 @@
 // The two-pass filtered resampler behind the Size module: a horizontal pass
 // from the source into an intermediate image (as wide as the result, as tall
 // as the source, with 8 alpha bits), then a vertical pass from there into
-// the result. Pixels are 0xAARRGGBB words.
+// the result. Pixels are 0xAARRGGBB words. Only the intermediate rows the
+// vertical pass still needs are kept, in a ring filled just ahead of it, so
+// the scratch memory is a few rows instead of a second image.
 //
 // All arithmetic is single precision and follows one fixed order per output
 // pixel (taps summed left to right, then one division), so this code and a
