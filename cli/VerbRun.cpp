@@ -9,11 +9,13 @@
 #include "cli/Tool.h"
 #include "imaging/blend/blend.h"
 #include "imaging/module/module.h"
+#include "imaging/modules/resample/resampler.h"
 #include "tavix/RecordLimits.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <strings.h>
 
 namespace zytool {
@@ -143,12 +145,25 @@ void printBlendRatios(const ModuleDescriptor& descriptor, const std::vector<Modu
            psnr.channel, psnr.luminance, psnr.totalChannel, psnr.totalLuminance);
 }
 
+// --threads N: how many threads the resampler shares a result's rows
+// among (the bytes are the same for any count).
+void setThreads(const Args& args) {
+    const std::string text = args.option("threads", "1");
+    char* end = nullptr;
+    const long threads = strtol(text.c_str(), &end, 10);
+    if (text.empty() || *end != 0 || threads < 1 || threads > resample::kMaxThreads)
+        throw ToolError("--threads takes a count from 1 to " +
+                        std::to_string(resample::kMaxThreads) + ", not '" + text + "'");
+    resample::set_thread_count(static_cast<int>(threads));
+}
+
 } // namespace
 
 int runRun(const Args& args) {
     if (args.positional.size() < 3)
         throw ToolError("usage: zytool run MODULE [values...] IN OUT [--second FILE] [--select "
-                        "EXPR] [--format NAME]");
+                        "EXPR] [--format NAME] [--threads N]");
+    setThreads(args);
     bindCodecLibrary();
     CConsoleUi console;
     ZySetUi(&console);

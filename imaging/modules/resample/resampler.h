@@ -56,4 +56,12 @@ uint32_t resolve_key(const ArgbView& source, bool respectAlpha, uint32_t chromak
 // buffer when both have the same size.
 bool resample_argb(const ArgbView& source, const ArgbTarget& target, const Options& options);
 
+// How many threads resample_argb shares the result's rows among, for the
+// whole process (1 until set; clamped into 1 .. kMaxThreads). The bytes
+// are the same for every count. A batch tool sets it from its command line;
+// the editor leaves it at 1.
+constexpr int kMaxThreads = 64;
+void set_thread_count(int threads);
+int thread_count();
+
 } // namespace resample
