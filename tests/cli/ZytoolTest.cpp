@@ -5,6 +5,7 @@
 #include "app/doc/TavixImage.h"
 #include "codec/FrameIO.h"
 #include "codec/TavixBinding.h"
+#include "imaging/galloc.h"
 
 #include <gtest/gtest.h>
 
