@@ -1,17 +1,21 @@
 // zytool run MODULE [values...] IN OUT: applies an image module to the
-// frames of a file, through the editor's image record and the module
-// framework, and writes the result.
+// frames of a file through the module framework, with the records and
+// pixels the editor's images would hand it, and writes the result.
 
 #include "cli/Verbs.h"
 
 #include "app/doc/ConsoleUi.h"
-#include "app/doc/TavixImage.h"
 #include "app/doc/UserInterface.h"
 #include "cli/Tool.h"
 #include "imaging/blend/blend.h"
 #include "imaging/module/module.h"
+#include "imaging/modules/resample/resampler.h"
+#include "tavix/RecordLimits.h"
 
+#include <algorithm>
+#include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <strings.h>
 
 namespace zytool {
@@ -57,10 +61,9 @@ std::vector<ModuleValue> valuesFrom(const std::vector<std::string>& texts,
 
 // The second image of frame i for two-image modules (--second FILE): frame
 // i of FILE, or FILE's only frame for every frame.
-std::vector<std::unique_ptr<CTavixImage>>
-secondImages(const Args& args, const ModuleDescriptor& descriptor, size_t frames) {
-    std::vector<std::unique_ptr<CTavixImage>> images;
-    if (!args.has("second")) return images;
+std::vector<TavixFrame> secondFrames(const Args& args, const ModuleDescriptor& descriptor,
+                                     size_t frames) {
+    if (!args.has("second")) return {};
     if (descriptor.images < 2)
         throw ToolError(std::string("module ") + descriptor.name +
                         " takes one image; --second is for two-image modules");
@@ -68,9 +71,65 @@ secondImages(const Args& args, const ModuleDescriptor& descriptor, size_t frames
     if (file.frames.size() != 1 && file.frames.size() != frames)
         throw ToolError("--second needs one frame or as many frames as the input (" +
                         std::to_string(frames) + "), not " + std::to_string(file.frames.size()));
-    for (const TavixFrame& frame : file.frames)
-        images.push_back(CTavixImage::FromFrame(frame));
-    return images;
+    return std::move(file.frames);
+}
+
+ImageEntry entryOf(const TavixFrame& frame) {
+    return {frame.info.get(), frame.pixels.data(), frame.pitch};
+}
+
+struct InstanceCloser {
+    ModuleInstance* instance = nullptr;
+    ~InstanceCloser() {
+        if (instance) module_close(instance);
+    }
+    bool close() {
+        ModuleInstance* open = instance;
+        instance = nullptr;
+        return module_close(open) != 0;
+    }
+};
+
+// Runs the module on a frame straight from the file into a new frame: the
+// module reads the decoded rows where they are and writes the result into
+// the buffer that goes to the writer, so a large image is neither copied
+// nor held twice. The record and pixels are those the editor's image would
+// give (the record copied whole by its size, the pixels zeroed first, rows
+// padded to four bytes).
+bool runOnFrame(int module, const std::vector<ModuleValue>& values, const TavixFrame& frame,
+                const TavixFrame* second, TavixFrame& out, std::string& why) {
+    module_select(module);
+    GPtr<ModuleDescriptor> selected(module_describe());
+    const ImageEntry inputs[2] = {entryOf(frame), second ? entryOf(*second) : ImageEntry{}};
+    InstanceCloser run;
+    if (!module_open(&run.instance, second ? 2 : 1, inputs, static_cast<int32_t>(values.size()),
+                     values.data()))
+        return false;
+    GPtr<TavixInfo> result(module_query(run.instance, 0));
+    if (!result) return false;
+    const TavixInfo& r = *result;
+    if (r.width < 0 || r.height < 0 || r.bufferbpp < 1 || r.bufferbpp > 32 ||
+        r.size > kTavixMaxInfoSize) {
+        why = "it gave a record of " + std::to_string(r.width) + " x " + std::to_string(r.height) +
+              " at " + std::to_string(r.bufferbpp) + " bits";
+        return false;
+    }
+    const int32_t pitch = TavixRowPitch(r.width, r.bufferbpp);
+    const int64_t bytes = static_cast<int64_t>(pitch) * r.height;
+    if (bytes > INT32_MAX) {
+        why = "its result of " + std::to_string(r.width) + " x " + std::to_string(r.height) +
+              " is too large";
+        return false;
+    }
+    out.info = CopyTavixInfo(r);
+    result.reset();
+    if (!out.info) return false;
+    out.pitch = pitch;
+    // An empty result still gets a block, as an image of 0 x 0 does.
+    AllocateFramePixels(out, static_cast<size_t>(std::max<int64_t>(bytes, 1)));
+    out.pixels.resize(static_cast<size_t>(bytes));
+    const bool made = module_process(run.instance, out.info.get(), out.pixels.data(), pitch) != 0;
+    return run.close() && made;
 }
 
 // A psnr Blend run reports the signal-to-noise ratios of every frame and
@@ -86,12 +145,25 @@ void printBlendRatios(const ModuleDescriptor& descriptor, const std::vector<Modu
            psnr.channel, psnr.luminance, psnr.totalChannel, psnr.totalLuminance);
 }
 
+// --threads N: how many threads the resampler shares a result's rows
+// among (the bytes are the same for any count).
+void setThreads(const Args& args) {
+    const std::string text = args.option("threads", "1");
+    char* end = nullptr;
+    const long threads = strtol(text.c_str(), &end, 10);
+    if (text.empty() || *end != 0 || threads < 1 || threads > resample::kMaxThreads)
+        throw ToolError("--threads takes a count from 1 to " +
+                        std::to_string(resample::kMaxThreads) + ", not '" + text + "'");
+    resample::set_thread_count(static_cast<int>(threads));
+}
+
 } // namespace
 
 int runRun(const Args& args) {
     if (args.positional.size() < 3)
         throw ToolError("usage: zytool run MODULE [values...] IN OUT [--second FILE] [--select "
-                        "EXPR] [--format NAME]");
+                        "EXPR] [--format NAME] [--threads N]");
+    setThreads(args);
     bindCodecLibrary();
     CConsoleUi console;
     ZySetUi(&console);
@@ -105,8 +177,7 @@ int runRun(const Args& args) {
 
     TavixReadResult file = readFileOrThrow(input);
     std::vector<bool> chosen = selectedFrames(args, file.frames);
-    std::vector<std::unique_ptr<CTavixImage>> seconds =
-        secondImages(args, *descriptor, file.frames.size());
+    std::vector<TavixFrame> seconds = secondFrames(args, *descriptor, file.frames.size());
     blend_psnr_reset();
     std::vector<TavixFrame> results;
     for (size_t i = 0; i < file.frames.size(); ++i) {
@@ -114,17 +185,18 @@ int runRun(const Args& args) {
             results.push_back(std::move(file.frames[i]));
             continue;
         }
-        std::unique_ptr<CTavixImage> image = CTavixImage::FromFrame(file.frames[i]);
-        const CTavixImage* second =
-            seconds.empty() ? nullptr : seconds[seconds.size() == 1 ? 0 : i].get();
-        std::unique_ptr<CTavixImage> result =
-            image ? image->RunModule(module, values.data(), static_cast<int>(values.size()), second)
-                  : nullptr;
-        if (!result)
+        const TavixFrame* second =
+            seconds.empty() ? nullptr : &seconds[seconds.size() == 1 ? 0 : i];
+        TavixFrame result;
+        std::string why;
+        if (!runOnFrame(module, values, file.frames[i], second, result, why))
             throw ToolError(std::string("module ") + descriptor->name + " failed on frame " +
-                            std::to_string(i));
+                            std::to_string(i) + (why.empty() ? "" : ": " + why));
+        // The source is done with: its memory goes before the next frame's
+        // result and the writer's own copy are made.
+        file.frames[i] = TavixFrame{};
         printBlendRatios(*descriptor, values, i);
-        results.push_back(result->ToFrame());
+        results.push_back(std::move(result));
     }
     std::vector<const TavixFrame*> list;
     for (const TavixFrame& frame : results)

@@ -36,7 +36,8 @@ const Verb kVerbs[] = {
      zytool::runSelect},
     {"run",
      "run MODULE [values...] IN OUT [--second FILE] [--select EXPR] [--format NAME]\n"
-     "                                  apply an image module to the frames of IN",
+     "                [--threads N]     apply an image module to the frames of IN; N threads\n"
+     "                                  share the rows of a resize (default 1)",
      zytool::runRun},
     {"mipmap",
      "mipmap IN OUT [--levels N] [--method M] [--select EXPR] [--format NAME]\n"

@@ -33,6 +33,14 @@ TavixInfoPtr NewTavixInfo() {
     return TavixInfoPtr(info);
 }
 
+void AllocateFramePixels(TavixFrame& frame, size_t bytes) {
+    frame.pixels.clear();
+    frame.pixels.shrink_to_fit();
+    frame.pixels.reserve(bytes);
+    advise_huge_pages(frame.pixels.data(), bytes);
+    frame.pixels.resize(bytes);
+}
+
 int32_t TavixRowPitch(int32_t width, int32_t bufferbpp) {
     int64_t bytes = static_cast<int64_t>(width) * (bufferbpp <= 8 ? 1 : 4);
     return static_cast<int32_t>((bytes + 3) & ~int64_t{3});
@@ -71,7 +79,8 @@ bool readOneFrame(TavixReader reader, int index, TavixFrame& frame, std::string&
         return true;
     }
     frame.pitch = TavixRowPitch(info->width, info->bufferbpp);
-    frame.pixels.assign(static_cast<size_t>(frame.pitch) * static_cast<size_t>(info->height), 0);
+    AllocateFramePixels(frame,
+                        static_cast<size_t>(frame.pitch) * static_cast<size_t>(info->height));
     if (!TavixRead(reader, info.get(), frame.pixels.data(), frame.pitch)) {
         noteFailure(error, index, "its pixels could not be read");
         return false;

@@ -30,6 +30,11 @@ struct TavixFrame {
     int32_t pitch = 0;
 };
 
+// Gives `frame` `bytes` zeroed bytes of pixels (its old ones are freed
+// first), in huge pages where the system offers them: see
+// advise_huge_pages().
+void AllocateFramePixels(TavixFrame& frame, size_t bytes);
+
 // Bytes per row for a frame of this width and buffer depth, padded to 4.
 int32_t TavixRowPitch(int32_t width, int32_t bufferbpp);
 

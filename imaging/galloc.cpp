@@ -3,8 +3,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <sys/mman.h>
 
 namespace {
+
+constexpr uintptr_t kHugePage = uintptr_t{2} << 20;
+// Blocks from this size up are scratch images, worth huge pages.
+constexpr int32_t kHugeBlock = 4 << 20;
 
 constexpr int32_t kOverhead = 12; // header (sentinel + size) and trailer
 constexpr uint32_t kNoLimit = 0xFFFFFFFFu;
@@ -48,6 +53,7 @@ void* galloc(int32_t size) {
         gprintf("galloc - FAILED. OUT OF MEMORY. SIZE REQUESTED %ld\n", static_cast<long>(size));
         return nullptr;
     }
+    if (size >= kHugeBlock) advise_huge_pages(block, static_cast<size_t>(size) + kOverhead);
     memcpy(block, "GMEM", 4);
     memcpy(block + 4, &size, 4);
     memcpy(block + 8 + size, "GEND", 4);
@@ -76,6 +82,19 @@ int gfree(void* pointer) {
     else
         gprintf("gfree - SENTINAL CORRUPTED; PROBABLE MEMORY DATA CORRUPTION\n");
     return 0;
+}
+
+void advise_huge_pages(void* start, size_t bytes) {
+#ifdef MADV_HUGEPAGE
+    const auto begin = reinterpret_cast<uintptr_t>(start);
+    const uintptr_t first = (begin + kHugePage - 1) & ~(kHugePage - 1);
+    const uintptr_t end = (begin + bytes) & ~(kHugePage - 1);
+    // Advice only: where it is refused the pages are simply small.
+    if (end > first) madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE);
+#else
+    (void)start;
+    (void)bytes;
+#endif
 }
 
 int32_t galloc_live_count() {

@@ -2,8 +2,10 @@
 
 #include "CodecTestSupport.h"
 
+#include "app/doc/TavixImage.h"
 #include "codec/FrameIO.h"
 #include "codec/TavixBinding.h"
+#include "imaging/galloc.h"
 
 #include <gtest/gtest.h>
 
@@ -987,4 +989,126 @@ TEST_F(ZytoolCommand, RunModuleTakesItsModuleAndValuesFromTheSettings) {
         EXPECT_NE(bad.err.find(c.error), std::string::npos) << bad.err;
         EXPECT_NE(bad.err.find("was not performed"), std::string::npos) << bad.err;
     }
+}
+
+namespace {
+
+// Pixels that vary in every channel, alpha included, with some fully
+// transparent ones for Respect Alpha to skip.
+TavixFrame noisyFrame(int width, int height, uint32_t seed, const char* name) {
+    TavixFrame frame = makeFrame(width, height, 32, name);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            seed = seed * 1664525u + 1013904223u;
+            uint32_t v = (seed >> 5) % 7 == 0 ? seed & 0x00FFFFFFu : seed;
+            memcpy(frame.pixels.data() + size_t(y) * frame.pitch + 4 * x, &v, 4);
+        }
+    return frame;
+}
+
+// What the editor makes of the frame with the same module and values: its
+// image record, the module run on it, and the frame it writes.
+TavixFrame editorResult(const TavixFrame& frame, const std::string& module,
+                        const std::vector<std::string>& values) {
+    std::vector<ModuleValue> parsed;
+    const int index = module_find(module.c_str());
+    module_select(index);
+    ModuleDescriptor* descriptor = module_describe();
+    for (size_t i = 0; i < values.size(); ++i) {
+        ModuleValue value{};
+        EXPECT_TRUE(
+            module_value_from_text(i < descriptor->paramCount ? &descriptor->params[i] : nullptr,
+                                   values[i].c_str(), &value));
+        parsed.push_back(value);
+    }
+    gfree(descriptor);
+    auto image = CTavixImage::FromFrame(frame);
+    auto result = image->RunModule(index, parsed.data(), static_cast<int>(parsed.size()));
+    EXPECT_NE(result, nullptr);
+    return result ? result->ToFrame() : TavixFrame{};
+}
+
+} // namespace
+
+// zytool run hands the module the decoded frame directly; the bytes it
+// writes are those the editor's images give, at every size.
+TEST_F(Zytool, RunSizeWritesWhatTheEditorMakesAtEverySize) {
+    struct Case {
+        int inW, inH;
+        std::vector<std::string> values;
+    };
+    const Case cases[] = {
+        {1, 1, {"1", "1", "0"}},
+        {1, 1, {"7", "3", "0"}},
+        {37, 23, {"1", "1", "0"}},
+        {37, 23, {"11", "5", "0"}},
+        {37, 23, {"101", "77", "0"}},
+        {37, 23, {"37", "23", "3"}},
+        {5, 61, {"3", "9", "1"}},
+        {61, 5, {"200", "2", "2"}},
+        {64, 64, {"16", "16", "0", "1", "0"}},
+        {33, 17, {"19", "41", "6", "1", "0xFF00FF00"}},
+        {9, 120, {"4", "13", "0"}},
+    };
+    for (const Case& c : cases) {
+        std::string label = std::to_string(c.inW) + "x" + std::to_string(c.inH);
+        std::string text;
+        for (const std::string& v : c.values) {
+            label += " " + v;
+            text += v + " ";
+        }
+        std::vector<TavixFrame> frames;
+        frames.push_back(noisyFrame(c.inW, c.inH, static_cast<uint32_t>(c.inW * 131 + c.inH), "n"));
+        const TavixFrame expected = editorResult(frames[0], "Size", c.values);
+        std::string in = writeFrames("in.tvx", std::move(frames));
+        std::string out = (m_folder / "out.tvx").string();
+        // Threads share the result's rows; the bytes stay those of one.
+        for (const char* threads : {"1", "3", "64"}) {
+            ToolRun run =
+                zytool("run Size " + text + in + " " + out + " --threads " + threads, m_folder);
+            ASSERT_EQ(run.status, 0) << label << ": " << run.err;
+            TavixReadResult back = TavixReadFile(out);
+            ASSERT_EQ(back.frames.size(), 1u) << label;
+            const TavixFrame& got = back.frames[0];
+            EXPECT_EQ(got.info->width, expected.info->width) << label;
+            EXPECT_EQ(got.info->height, expected.info->height) << label;
+            EXPECT_EQ(got.pitch, expected.pitch) << label;
+            EXPECT_EQ(argbPixels(got), argbPixels(expected)) << label << ", threads " << threads;
+        }
+    }
+    for (const char* threads : {"0", "65", "two", ""}) {
+        ToolRun refused =
+            zytool("run Size 2 2 0 x.tvx y.tvx --threads '" + std::string(threads) + "'", m_folder);
+        EXPECT_NE(refused.status, 0) << threads;
+        EXPECT_NE(refused.err.find("--threads takes a count from 1 to 64"), std::string::npos)
+            << refused.err;
+    }
+}
+
+// Frames the selection leaves out pass through untouched, including
+// indexed ones the module could not take, and every chosen frame is
+// resized in turn with its record kept.
+TEST_F(Zytool, RunSizeOverSeveralFramesKeepsTheOthersAsTheyWere) {
+    std::vector<TavixFrame> frames;
+    frames.push_back(noisyFrame(13, 7, 1, "first"));
+    frames.push_back(makeFrame(6, 4, 8, "indexed"));
+    frames.push_back(noisyFrame(3, 30, 2, "third"));
+    const TavixFrame first = editorResult(frames[0], "Size", {"5", "5", "0"});
+    const TavixFrame third = editorResult(frames[2], "Size", {"5", "5", "0"});
+    const std::vector<uint32_t> indexed = argbPixels(frames[1]);
+    std::string in = writeFrames("three.tvx", std::move(frames));
+    std::string out = (m_folder / "three_out.tvx").string();
+    ToolRun run = zytool("run Size 5 5 0 " + in + " " + out + " --select first,third", m_folder);
+    ASSERT_EQ(run.status, 0) << run.err;
+    TavixReadResult back = TavixReadFile(out);
+    ASSERT_EQ(back.frames.size(), 3u);
+    EXPECT_EQ(argbPixels(back.frames[0]), argbPixels(first));
+    EXPECT_EQ(argbPixels(back.frames[1]), indexed);
+    EXPECT_EQ(back.frames[1].info->bufferbpp, 8);
+    EXPECT_EQ(argbPixels(back.frames[2]), argbPixels(third));
+    EXPECT_STREQ(back.frames[2].info->framename, "third");
+
+    ToolRun refused = zytool("run Size 5 5 0 " + in + " " + out + " --select indexed", m_folder);
+    EXPECT_NE(refused.status, 0);
+    EXPECT_NE(refused.err.find("failed on frame 1"), std::string::npos) << refused.err;
 }

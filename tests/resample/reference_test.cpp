@@ -14,9 +14,18 @@ struct Shape {
 };
 
 const Shape kShapes[] = {
-    {"Reduce", 103, 67, 41, 29}, {"Enlarge", 13, 11, 58, 47},  {"ReduceBy4", 64, 36, 16, 9},
-    {"Mixed", 45, 9, 101, 4},    {"SameSize", 19, 17, 19, 17}, {"OneColumn", 1, 9, 6, 4},
-    {"TwoToOne", 2, 2, 1, 1},    {"ToOnePixel", 23, 31, 1, 1},
+    {"Reduce", 103, 67, 41, 29},
+    {"Enlarge", 13, 11, 58, 47},
+    {"ReduceBy4", 64, 36, 16, 9},
+    {"Mixed", 45, 9, 101, 4},
+    {"SameSize", 19, 17, 19, 17},
+    {"OneColumn", 1, 9, 6, 4},
+    {"TwoToOne", 2, 2, 1, 1},
+    {"ToOnePixel", 23, 31, 1, 1},
+    // Far taller than a list is long: the intermediate rows wrap around
+    // their ring many times.
+    {"TallReduce", 7, 300, 5, 31},
+    {"TallEnlarge", 5, 40, 3, 250},
 };
 
 struct Mode {

@@ -7,6 +7,10 @@
 #include <cstddef>
 #include <cmath>
 #include <cstring>
+#include <functional>
+#include <system_error>
+#include <thread>
+#include <vector>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -200,17 +204,18 @@ void filterRows(const Column* cols, const Contributions& cx, const Transparency&
     }
 }
 
+// Source rows y .. y + 3 (those that exist) into their intermediate rows,
+// row r at slot r % ringRows.
 template <bool Respect>
-void horizontalPass(const ArgbView& src, const Contributions& cx, const Transparency& tr,
-                    Column* cols, uint8_t* inter, int32_t interRowbytes) {
-    for (int32_t y = 0; y < src.height; y += 4) {
-        int32_t rows = src.height - y < 4 ? src.height - y : 4;
-        uint8_t* out[4];
-        for (int32_t k = 0; k < 4; ++k)
-            out[k] = inter + static_cast<ptrdiff_t>(y + (k < rows ? k : 0)) * interRowbytes;
-        loadRows<Respect>(src, y, tr, cols);
-        filterRows<Respect>(cols, cx, tr, out, rows);
-    }
+void horizontalBlock(const ArgbView& src, int32_t y, const Contributions& cx,
+                     const Transparency& tr, Column* cols, uint8_t* ring, int32_t ringRows,
+                     int32_t interRowbytes) {
+    int32_t rows = src.height - y < 4 ? src.height - y : 4;
+    uint8_t* out[4];
+    for (int32_t k = 0; k < 4; ++k)
+        out[k] = ring + static_cast<ptrdiff_t>((y + (k < rows ? k : 0)) % ringRows) * interRowbytes;
+    loadRows<Respect>(src, y, tr, cols);
+    filterRows<Respect>(cols, cx, tr, out, rows);
 }
 
 // ---- Vertical pass ----------------------------------------------------------
@@ -275,17 +280,136 @@ void filterColumns(const uint8_t* const* rowp, const float* weight, int32_t n, f
     }
 }
 
-template <Mode M>
-void verticalPass(const uint8_t* inter, int32_t interRowbytes, const Contributions& cy,
-                  const Transparency& tr, const ArgbTarget& dst, const uint8_t** rowp) {
-    for (int32_t y = 0; y < dst.height; ++y) {
+// The lowest and highest source row of list y.
+void rowSpan(const Contributions& cy, int32_t y, int32_t* lo, int32_t* hi) {
+    *lo = INT32_MAX;
+    *hi = -1;
+    for (int32_t t = cy.first[y]; t < cy.first[y + 1]; ++t) {
+        if (cy.index[t] < *lo) *lo = cy.index[t];
+        if (cy.index[t] > *hi) *hi = cy.index[t];
+    }
+}
+
+// The first source row the horizontal pass makes for result rows from
+// `y0`: the block of four holding the lowest row they read.
+int32_t firstBlockFor(const Contributions& cy, int32_t y0) {
+    int32_t lowest = INT32_MAX;
+    for (int32_t y = y0; y < cy.count; ++y) {
+        int32_t lo, hi;
+        rowSpan(cy, y, &lo, &hi);
+        if (hi >= 0) {
+            lowest = lo;
+            break;
+        }
+    }
+    return lowest == INT32_MAX ? 0 : lowest & ~3;
+}
+
+// How many intermediate rows must be kept when the horizontal pass runs
+// only as far ahead as the vertical pass needs, four rows at a time, and
+// each new row overwrites the oldest: for result rows y0 .. y1 - 1, the
+// most rows between the lowest one a result row reads and the last one
+// made by then. Never more than the source's height, where the ring is the
+// whole intermediate image.
+int32_t ringRowsFor(const Contributions& cy, int32_t height, int32_t y0, int32_t y1) {
+    int32_t made = firstBlockFor(cy, y0), need = 1;
+    for (int32_t y = y0; y < y1; ++y) {
+        int32_t lo, hi;
+        rowSpan(cy, y, &lo, &hi);
+        if (hi < 0) continue;
+        while (made <= hi)
+            made = made + 4 < height ? made + 4 : height;
+        if (made - lo > need) need = made - lo;
+    }
+    return need < height ? need : height;
+}
+
+// Both passes for result rows y0 .. y1 - 1: the source rows a result row
+// needs are filtered horizontally just before it, into a ring of
+// intermediate rows that stays in cache, instead of into a whole
+// intermediate image. Each intermediate row is computed exactly as the
+// whole-image order would, whichever block of four it falls in, so the
+// bytes are the same for any split of the result rows. With `ahead` every
+// source row is filtered first, which a result written over its own
+// source needs.
+struct Band {
+    int32_t y0 = 0, y1 = 0;
+    Column* cols = nullptr;
+    uint8_t* ring = nullptr;
+    int32_t ringRows = 0;
+    const uint8_t** rowp = nullptr;
+};
+
+template <bool Respect, Mode M>
+void resampleRows(const ArgbView& src, const Contributions& cx, const Contributions& cy,
+                  const Transparency& tr, const Band& band, int32_t interRowbytes, bool ahead,
+                  const ArgbTarget& dst) {
+    int32_t made = firstBlockFor(cy, band.y0);
+    auto makeThrough = [&](int32_t row) {
+        for (; made <= row; made += 4)
+            horizontalBlock<Respect>(src, made, cx, tr, band.cols, band.ring, band.ringRows,
+                                     interRowbytes);
+        if (made > src.height) made = src.height;
+    };
+    if (ahead) makeThrough(src.height - 1);
+    for (int32_t y = band.y0; y < band.y1; ++y) {
+        int32_t lo, hi;
+        rowSpan(cy, y, &lo, &hi);
+        makeThrough(hi);
         int32_t first = cy.first[y];
         int32_t n = cy.first[y + 1] - first;
         for (int32_t t = 0; t < n; ++t)
-            rowp[t] = inter + static_cast<ptrdiff_t>(cy.index[first + t]) * interRowbytes;
+            band.rowp[t] = band.ring + static_cast<ptrdiff_t>(cy.index[first + t] % band.ringRows) *
+                                           interRowbytes;
         uint8_t* out = dst.pixels + static_cast<ptrdiff_t>(y) * dst.rowbytes;
-        filterColumns<M>(rowp, cy.weight + first, n, cy.weightSum[y], dst.width, tr, out);
+        filterColumns<M>(band.rowp, cy.weight + first, n, cy.weightSum[y], dst.width, tr, out);
     }
+}
+
+template <bool Respect>
+void resampleRows(Mode mode, const ArgbView& src, const Contributions& cx, const Contributions& cy,
+                  const Transparency& tr, const Band& band, int32_t interRowbytes, bool ahead,
+                  const ArgbTarget& dst) {
+    if (mode == Mode::NoAlpha)
+        resampleRows<Respect, Mode::NoAlpha>(src, cx, cy, tr, band, interRowbytes, ahead, dst);
+    else if (mode == Mode::Respect)
+        resampleRows<Respect, Mode::Respect>(src, cx, cy, tr, band, interRowbytes, ahead, dst);
+    else
+        resampleRows<Respect, Mode::Plain>(src, cx, cy, tr, band, interRowbytes, ahead, dst);
+}
+
+// The scratch memory of one band, taken before any thread starts: galloc
+// counts its blocks without a lock.
+struct BandMemory {
+    Aligned cols, ring, rows;
+    bool take(Band& band, const ArgbView& src, const Contributions& cy, int32_t interRowbytes,
+              bool ahead) {
+        band.ringRows = ahead ? src.height : ringRowsFor(cy, src.height, band.y0, band.y1);
+        if (!cols.take(static_cast<int64_t>(src.width) * sizeof(Column)) ||
+            !ring.take(static_cast<int64_t>(interRowbytes) * band.ringRows) ||
+            !rows.take(static_cast<int64_t>(cy.maxTaps > 0 ? cy.maxTaps : 1) * sizeof(void*)))
+            return false;
+        band.cols = static_cast<Column*>(cols.data);
+        band.ring = static_cast<uint8_t*>(ring.data);
+        band.rowp = static_cast<const uint8_t**>(rows.data);
+        return true;
+    }
+    void release() {
+        rows.release();
+        ring.release();
+        cols.release();
+    }
+};
+
+int g_threads = 1;
+
+// Whether writing the result can overwrite source pixels not yet read.
+bool overlaps(const ArgbView& src, const ArgbTarget& dst) {
+    auto a = reinterpret_cast<uintptr_t>(src.pixels);
+    auto b = reinterpret_cast<uintptr_t>(dst.pixels);
+    uintptr_t aEnd = a + static_cast<uintptr_t>(src.rowbytes) * static_cast<uintptr_t>(src.height);
+    uintptr_t bEnd = b + static_cast<uintptr_t>(dst.rowbytes) * static_cast<uintptr_t>(dst.height);
+    return a < bEnd && b < aEnd;
 }
 
 } // namespace
@@ -302,34 +426,56 @@ uint32_t resolve_key(const ArgbView& source, bool respectAlpha, uint32_t chromak
     return kFallbackKey;
 }
 
+void set_thread_count(int threads) {
+    g_threads = threads < 1 ? 1 : threads > kMaxThreads ? kMaxThreads : threads;
+}
+
+int thread_count() {
+    return g_threads;
+}
+
 bool resample_argb(const ArgbView& src, const ArgbTarget& dst, const Options& options) {
     Transparency tr{options.key};
     Contributions cx, cy;
-    Aligned cols, inter, rows;
     int32_t interRowbytes = dst.width * 4;
     bool ok = contributions_build(&cx, src.width, dst.width, options.filter) &&
-              contributions_build(&cy, src.height, dst.height, options.filter) &&
-              cols.take(static_cast<int64_t>(src.width) * sizeof(Column)) &&
-              inter.take(static_cast<int64_t>(interRowbytes) * src.height) &&
-              rows.take(static_cast<int64_t>(cy.maxTaps > 0 ? cy.maxTaps : 1) * sizeof(void*));
-    if (ok) {
-        auto* columns = static_cast<Column*>(cols.data);
-        auto* mid = static_cast<uint8_t*>(inter.data);
-        auto** rowp = static_cast<const uint8_t**>(rows.data);
-        if (options.respectAlpha)
-            horizontalPass<true>(src, cx, tr, columns, mid, interRowbytes);
-        else
-            horizontalPass<false>(src, cx, tr, columns, mid, interRowbytes);
-        if (!options.resultHasAlpha)
-            verticalPass<Mode::NoAlpha>(mid, interRowbytes, cy, tr, dst, rowp);
-        else if (options.respectAlpha)
-            verticalPass<Mode::Respect>(mid, interRowbytes, cy, tr, dst, rowp);
-        else
-            verticalPass<Mode::Plain>(mid, interRowbytes, cy, tr, dst, rowp);
+              contributions_build(&cy, src.height, dst.height, options.filter);
+    const bool ahead = ok && overlaps(src, dst);
+    // Bands of result rows, one per thread; a result written over its
+    // source, or one too short to share, is made by this thread alone.
+    int32_t bands = ahead ? 1 : g_threads;
+    if (bands > dst.height / 2) bands = dst.height / 2 > 0 ? dst.height / 2 : 1;
+    std::vector<Band> band(static_cast<size_t>(bands));
+    std::vector<BandMemory> memory(static_cast<size_t>(bands));
+    for (int32_t b = 0; ok && b < bands; ++b) {
+        band[b].y0 = static_cast<int32_t>(int64_t{dst.height} * b / bands);
+        band[b].y1 = static_cast<int32_t>(int64_t{dst.height} * (b + 1) / bands);
+        ok = memory[b].take(band[b], src, cy, interRowbytes, ahead);
     }
-    rows.release();
-    inter.release();
-    cols.release();
+    if (ok) {
+        const Mode mode = !options.resultHasAlpha ? Mode::NoAlpha
+                          : options.respectAlpha  ? Mode::Respect
+                                                  : Mode::Plain;
+        auto run = [&](const Band& one) {
+            if (options.respectAlpha)
+                resampleRows<true>(mode, src, cx, cy, tr, one, interRowbytes, ahead, dst);
+            else
+                resampleRows<false>(mode, src, cx, cy, tr, one, interRowbytes, ahead, dst);
+        };
+        std::vector<std::thread> helpers;
+        for (int32_t b = 1; b < bands; ++b) {
+            try {
+                helpers.emplace_back(run, std::cref(band[b]));
+            } catch (const std::system_error&) {
+                run(band[b]); // no thread to be had: this one does the band
+            }
+        }
+        run(band[0]);
+        for (std::thread& helper : helpers)
+            helper.join();
+    }
+    for (BandMemory& m : memory)
+        m.release();
     contributions_free(&cy);
     contributions_free(&cx);
     return ok;

@@ -2,7 +2,9 @@
 // The two-pass filtered resampler behind the Size module: a horizontal pass
 // from the source into an intermediate image (as wide as the result, as tall
 // as the source, with 8 alpha bits), then a vertical pass from there into
-// the result. Pixels are 0xAARRGGBB words.
+// the result. Pixels are 0xAARRGGBB words. Only the intermediate rows the
+// vertical pass still needs are kept, in a ring filled just ahead of it, so
+// the scratch memory is a few rows instead of a second image.
 //
 // All arithmetic is single precision and follows one fixed order per output
 // pixel (taps summed left to right, then one division), so this code and a
@@ -53,5 +55,13 @@ uint32_t resolve_key(const ArgbView& source, bool respectAlpha, uint32_t chromak
 // only when scratch memory cannot be had; `target` may be `source`'s own
 // buffer when both have the same size.
 bool resample_argb(const ArgbView& source, const ArgbTarget& target, const Options& options);
+
+// How many threads resample_argb shares the result's rows among, for the
+// whole process (1 until set; clamped into 1 .. kMaxThreads). The bytes
+// are the same for every count. A batch tool sets it from its command line;
+// the editor leaves it at 1.
+constexpr int kMaxThreads = 64;
+void set_thread_count(int threads);
+int thread_count();
 
 } // namespace resample
