@@ -42,7 +42,7 @@ double bestSeconds(int repeats, const std::function<bool()>& job) {
             fprintf(stderr, "io_bench: the job failed\n");
             exit(1);
         }
-                best = std::min(best, cpuSeconds() - start);
+        best = std::min(best, cpuSeconds() - start);
     }
     return best;
 }
@@ -135,8 +135,8 @@ int main(int argc, char** argv) {
         const double cat = bestSeconds(repeats, [&] { return catFile(source); });
         const double read = bestSeconds(repeats, [&] { return readFrame(source, &rows); });
         const double info = bestSeconds(repeats, [&] { return readFrame(source, nullptr); });
-        for (auto [job, seconds] : {std::pair{"source cat", cat}, {"source read", read},
-                                    {"source info", info}})
+        for (auto [job, seconds] :
+             {std::pair{"source cat", cat}, {"source read", read}, {"source info", info}})
             printf("%-22s %9.3f %10.4f %10.0f %10.0f\n", job, fileMb, seconds, fileMb / seconds,
                    pixelMb / seconds);
     }
@@ -146,10 +146,10 @@ int main(int argc, char** argv) {
     std::vector<uint8_t> into(frame.pixels.size(), 1);
 
     const Target targets[] = {
-        {"tga", "tga", "tga", false},       {"tga rle", "tga", "tga", true},
-        {"bmp", "bmp", "bmp", false},
-        {"tvx", "tvx", "tvx", false},       {"png", "png", "png", false},
-        {"fsh plain", "newfsh", "fsh", false}, {"fsh refpack", "newfsh", "fsh", true},
+        {"tga", "tga", "tga", false},           {"tga rle", "tga", "tga", true},
+        {"bmp", "bmp", "bmp", false},           {"tvx", "tvx", "tvx", false},
+        {"png", "png", "png", false},           {"fsh plain", "newfsh", "fsh", false},
+        {"fsh refpack", "newfsh", "fsh", true},
     };
     for (const Target& t : targets) {
         const int driver = TavixFind(t.driver);

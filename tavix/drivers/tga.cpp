@@ -191,8 +191,7 @@ constexpr size_t kBlockBytes = size_t{4} << 20;
 class RunUnpacker {
   public:
     RunUnpacker(Source& source, uint64_t offset, uint64_t end, size_t pixelBytes, size_t pixels)
-        : m_source(source), m_next(offset), m_end(end), m_pixelBytes(pixelBytes),
-          m_left(pixels) {}
+        : m_source(source), m_next(offset), m_end(end), m_pixelBytes(pixelBytes), m_left(pixels) {}
 
     void fill(uint8_t* to, size_t count) {
         const size_t bytes = m_pixelBytes;
@@ -261,7 +260,6 @@ class RunUnpacker {
     bool m_run = false;
     uint8_t m_value[4] = {};
 };
-
 
 // The reader takes the header and colour map when the file is opened and
 // reads the pixel data only when the frame is decoded, in blocks straight
