@@ -30,7 +30,9 @@ best() {
     local bestcpu="" bestkb=0
     for _ in $(seq "$repeats"); do
         local line
-        line=$( { /usr/bin/time -f "%U %S %M" "$@" >/dev/null 2>/dev/null; } 2>&1 | tail -1)
+        # time's own report goes to a file: the job's output is thrown away
+        /usr/bin/time -o "$work/time" -f "%U %S %M" "$@" >/dev/null 2>&1 || true
+        line=$(tail -1 "$work/time")
         read -r u s kb <<<"$line"
         local cpu
         cpu=$(echo "$u + $s" | bc)

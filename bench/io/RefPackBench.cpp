@@ -34,7 +34,7 @@ template <typename Job> double best(int repeats, Job&& job) {
     for (int i = 0; i < repeats; ++i) {
         const double start = cpuSeconds();
         job();
-                seconds = std::min(seconds, cpuSeconds() - start);
+        seconds = std::min(seconds, cpuSeconds() - start);
     }
     return seconds;
 }

@@ -295,7 +295,8 @@ unsigned char TAVIX_write_16(TavixWriter handle, const TavixInfo* info, const vo
         checkedPixelCount(info->width, info->height);
         const bool indexed = info->bufferbpp <= 8;
         const bool aligned =
-            indexed || (reinterpret_cast<uintptr_t>(rows) % alignof(uint32_t) == 0 && pitch % 4 == 0);
+            indexed ||
+            (reinterpret_cast<uintptr_t>(rows) % alignof(uint32_t) == 0 && pitch % 4 == 0);
         FrameView view;
         view.width = info->width;
         view.height = info->height;

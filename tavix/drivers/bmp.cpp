@@ -321,9 +321,8 @@ class BmpReader : public FrameReader {
             if (b.packed())
                 unpackRuns(pixels, pitch);
             else
-                forEachStoredRow([&](size_t stored, const uint8_t* row) {
-                    unpackIndices(row, target(stored));
-                });
+                forEachStoredRow(
+                    [&](size_t stored, const uint8_t* row) { unpackIndices(row, target(stored)); });
             checkIndices(pixels, pitch);
             return;
         }
@@ -383,8 +382,7 @@ class BmpReader : public FrameReader {
             for (size_t x = 0; x < width; ++x)
                 top = std::max(top, row[x]);
             if (top >= b.paletteCount)
-                fail("bitmap pixel index %u is beyond the %d palette entries", top,
-                     b.paletteCount);
+                fail("bitmap pixel index %u is beyond the %d palette entries", top, b.paletteCount);
         }
     }
 
@@ -398,8 +396,8 @@ class BmpReader : public FrameReader {
                 to[x] = packArgb(255, p[2], p[1], p[0]);
             return 0;
         }
-        const bool standard = b.bpp == 32 && b.masks[0] == 0xFF0000 && b.masks[1] == 0xFF00 &&
-                              b.masks[2] == 0xFF;
+        const bool standard =
+            b.bpp == 32 && b.masks[0] == 0xFF0000 && b.masks[1] == 0xFF00 && b.masks[2] == 0xFF;
         if (standard && std::endian::native == std::endian::little) {
             // Stored B, G, R, A is already the word 0xAARRGGBB.
             memcpy(to, p, width * 4);
@@ -419,9 +417,9 @@ class BmpReader : public FrameReader {
         Channel red(b.masks[0]), green(b.masks[1]), blue(b.masks[2]), alpha(b.masks[3]);
         uint32_t any = 0;
         for (size_t x = 0; x < width; ++x, p += bytes) {
-            uint32_t v = bytes == 2 ? p[0] | p[1] << 8
-                                    : p[0] | p[1] << 8 | p[2] << 16 |
-                                          static_cast<uint32_t>(p[3]) << 24;
+            uint32_t v = bytes == 2
+                             ? p[0] | p[1] << 8
+                             : p[0] | p[1] << 8 | p[2] << 16 | static_cast<uint32_t>(p[3]) << 24;
             const uint32_t a = b.masks[3] ? alpha(v) : 255;
             any |= b.masks[3] ? a : 0;
             to[x] = packArgb(a, red(v), green(v), blue(v));

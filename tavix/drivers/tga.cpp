@@ -180,18 +180,24 @@ int settleAlpha(const TgaHeader& h, int bits, uint32_t* colours, size_t count) {
     return 8;
 }
 
+// Stored rows of plain images, and packed data, are read in blocks of about
+// this many bytes.
+constexpr size_t kBlockBytes = size_t{4} << 20;
+
 // Hands out the stored pixels of a run-length packed image a row at a time;
-// packets may run on from one row into the next.
+// packets may run on from one row into the next. The packed data is read
+// through a window of kBlockBytes, refilled as the packets use it up, so a
+// large file is never held whole.
 class RunUnpacker {
   public:
-    RunUnpacker(const uint8_t* data, size_t size, size_t pixelBytes, size_t pixels)
-        : m_in(data, size), m_pixelBytes(pixelBytes), m_left(pixels) {}
+    RunUnpacker(Source& source, uint64_t offset, uint64_t end, size_t pixelBytes, size_t pixels)
+        : m_source(source), m_next(offset), m_end(end), m_pixelBytes(pixelBytes), m_left(pixels) {}
 
     void fill(uint8_t* to, size_t count) {
         const size_t bytes = m_pixelBytes;
         while (count) {
             if (m_pending == 0) {
-                uint8_t head = m_in.u8();
+                uint8_t head = *take(1);
                 size_t n = (head & 127u) + 1;
                 if (n > m_left)
                     fail("a Targa run-length packet of %zu pixels runs past the end of the image",
@@ -199,14 +205,21 @@ class RunUnpacker {
                 m_left -= n;
                 m_pending = n;
                 m_run = (head & 128) != 0;
-                if (m_run) m_value = m_in.take(bytes);
+                if (m_run) memcpy(m_value, take(bytes), bytes);
             }
             size_t k = std::min(m_pending, count);
-            if (m_run) {
+            if (m_run && bytes == 1) {
+                memset(to, m_value[0], k);
+            } else if (m_run && bytes == 4) {
+                uint32_t value;
+                memcpy(&value, m_value, 4);
+                for (size_t i = 0; i < k; ++i)
+                    memcpy(to + 4 * i, &value, 4); // a fixed size: one store each
+            } else if (m_run) {
                 for (size_t i = 0; i < k; ++i)
                     memcpy(to + i * bytes, m_value, bytes);
             } else {
-                memcpy(to, m_in.take(k * bytes), k * bytes);
+                memcpy(to, take(k * bytes), k * bytes);
             }
             to += k * bytes;
             count -= k;
@@ -215,16 +228,38 @@ class RunUnpacker {
     }
 
   private:
-    ByteReader m_in;
+    // The next n bytes of packed data (n is at most one packet's pixels).
+    const uint8_t* take(size_t n) {
+        if (m_window.size() - m_at < n) refill(n);
+        const uint8_t* p = m_window.data() + m_at;
+        m_at += n;
+        return p;
+    }
+
+    void refill(size_t n) {
+        const size_t kept = m_window.size() - m_at;
+        const uint64_t more = std::min<uint64_t>(kBlockBytes, m_end - m_next);
+        if (kept + more < n)
+            fail("the Targa packed data ends early: %zu bytes needed at offset %llu, %zu left", n,
+                 (unsigned long long)(m_next - kept), static_cast<size_t>(kept + more));
+        if (kept) memmove(m_window.data(), m_window.data() + m_at, kept);
+        m_window.resize(kept + static_cast<size_t>(more));
+        m_source.read(m_next, m_window.data() + kept, static_cast<size_t>(more));
+        m_next += more;
+        m_at = 0;
+    }
+
+    Source& m_source;
+    uint64_t m_next; // file offset of the first byte not yet in the window
+    uint64_t m_end;
+    Bytes m_window;
+    size_t m_at = 0;
     size_t m_pixelBytes;
     size_t m_left;
     size_t m_pending = 0;
     bool m_run = false;
-    const uint8_t* m_value = nullptr;
+    uint8_t m_value[4] = {};
 };
-
-// Stored rows of plain images are read in blocks of about this many bytes.
-constexpr size_t kBlockBytes = size_t{4} << 20;
 
 // The reader takes the header and colour map when the file is opened and
 // reads the pixel data only when the frame is decoded, in blocks straight
@@ -323,10 +358,7 @@ class TgaReader : public FrameReader {
         const size_t rowBytes = size_t{h.width} * h.pixelBytes();
         const size_t offset = h.dataOffset();
         if (h.packed()) {
-            // Packed data is read whole (it is rarely larger than one
-            // unpacked row block by much) and unpacked a row at a time.
-            Bytes packed = m_source->bytes(offset, m_fileSize - offset);
-            RunUnpacker unpacker(packed.data(), packed.size(), h.pixelBytes(),
+            RunUnpacker unpacker(*m_source, offset, m_fileSize, h.pixelBytes(),
                                  size_t{h.width} * h.height);
             Bytes line(rowBytes);
             for (size_t y = 0; y < h.height; ++y) {

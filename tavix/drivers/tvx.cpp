@@ -20,8 +20,8 @@ namespace {
 
 constexpr uint32_t kTvxId = 0x54565800; // "TVX"
 constexpr uint32_t kMaxRecord = 16 << 20;
-constexpr size_t kFrameHeadBytes = 4;   // record size
-constexpr size_t kPixelHeadBytes = 8;   // pixel bits, pixel byte count
+constexpr size_t kFrameHeadBytes = 4; // record size
+constexpr size_t kPixelHeadBytes = 8; // pixel bits, pixel byte count
 constexpr size_t kBlockBytes = size_t{4} << 20;
 
 struct StoredFrame {
@@ -90,7 +90,8 @@ class TvxReader : public FrameReader {
 
     bool decodeInto(int frame, TavixInfo& info, uint8_t* pixels, ptrdiff_t pitch) override {
         const StoredFrame& f = m_frames[frame];
-        if (info.width != f.width || info.height != f.height || (info.bufferbpp <= 8) != (f.bits == 8))
+        if (info.width != f.width || info.height != f.height ||
+            (info.bufferbpp <= 8) != (f.bits == 8))
             return false;
         if (f.bits == 8) {
             int32_t count = 0;
@@ -144,7 +145,8 @@ class TvxReader : public FrameReader {
         const size_t height = static_cast<size_t>(f.height);
         if (static_cast<size_t>(pitch) == rowBytes) {
             m_source->read(f.pixels, pixels, rowBytes * height);
-            if (pixelBytes == 4) wordsFromFile(reinterpret_cast<uint32_t*>(pixels), f.width * height);
+            if (pixelBytes == 4)
+                wordsFromFile(reinterpret_cast<uint32_t*>(pixels), f.width * height);
             return;
         }
         const size_t perBlock = std::max<size_t>(1, kBlockBytes / rowBytes);

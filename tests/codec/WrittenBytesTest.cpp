@@ -81,7 +81,8 @@ TEST(WrittenBytes, UncompressedFormatsWriteWhatTheyAlwaysWrote) {
         std::vector<const TavixFrame*> frames{&first};
         if (many) frames.push_back(&second);
         const std::string driver = c.driver;
-        const auto path = folder / ("out." + (driver.rfind("new", 0) == 0 ? driver.substr(3) : driver));
+        const auto path =
+            folder / ("out." + (driver.rfind("new", 0) == 0 ? driver.substr(3) : driver));
         std::string error;
         ASSERT_TRUE(TavixWriteFile(path.string(), TavixFind(c.driver), frames, error)) << error;
         std::ifstream in(path, std::ios::binary);

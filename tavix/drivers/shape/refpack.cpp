@@ -221,8 +221,7 @@ class Encoder {
   public:
     Encoder(std::span<const uint8_t> data, Bytes& out)
         : m_in(data.data()), m_size(data.size()), m_out(out), m_bits(hashBitsFor(m_size)),
-          m_head(size_t{1} << m_bits, -1), m_prev(ringFor(m_size), -1),
-          m_mask(m_prev.size() - 1) {}
+          m_head(size_t{1} << m_bits, -1), m_prev(ringFor(m_size), -1), m_mask(m_prev.size() - 1) {}
 
     void run() {
         size_t pos = 0, literalStart = 0;
