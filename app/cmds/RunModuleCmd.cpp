@@ -52,59 +52,59 @@ std::string numberText(double value) {
     return text;
 }
 
-std::string rangeText(const CModuleValueSpec& spec) {
-    if (spec.m_Kind == CModuleControl::Mask || spec.m_Kind == CModuleControl::Colour)
+std::string rangeText(const CModuleValueDesc& desc) {
+    if (desc.m_Kind == CModuleControl::Mask || desc.m_Kind == CModuleControl::Colour)
         return "0x00000000 to 0xFFFFFFFF";
-    return numberText(spec.m_Min) + " to " + numberText(spec.m_Max);
+    return numberText(desc.m_Min) + " to " + numberText(desc.m_Max);
 }
 
-CModuleValueSpec valueSpec(const ModuleParam& param, int slot) {
-    CModuleValueSpec spec;
-    spec.m_Name = param.name[0] ? std::string(param.name, strnlen(param.name, sizeof param.name))
+CModuleValueDesc valueDesc(const ModuleParam& param, int slot) {
+    CModuleValueDesc desc;
+    desc.m_Name = param.name[0] ? std::string(param.name, strnlen(param.name, sizeof param.name))
                                 : "Value " + std::to_string(slot + 1);
     const uint32_t type = param.type;
     if (type & kParamHandleHint) {
-        spec.m_Kind = CModuleControl::Handle;
+        desc.m_Kind = CModuleControl::Handle;
     } else if (type & kParamTextHint) {
-        spec.m_Kind = CModuleControl::Text;
+        desc.m_Kind = CModuleControl::Text;
     } else if (type & kParamMaskHint) {
-        spec.m_Kind = (type & kParamColourHint) ? CModuleControl::Colour : CModuleControl::Mask;
-        spec.m_Min = 0;
-        spec.m_Max = kFullWord;
-        spec.m_Default = param.defaultValue.asUint();
+        desc.m_Kind = (type & kParamColourHint) ? CModuleControl::Colour : CModuleControl::Mask;
+        desc.m_Min = 0;
+        desc.m_Max = kFullWord;
+        desc.m_Default = param.defaultValue.asUint();
     } else if ((type & (kParamInteger | kParamReal)) == kParamReal) {
-        spec.m_Kind = CModuleControl::Real;
-        spec.m_Min = param.minimum.asReal();
-        spec.m_Max = param.maximum.asReal();
-        spec.m_Default = param.defaultValue.asReal();
+        desc.m_Kind = CModuleControl::Real;
+        desc.m_Min = param.minimum.asReal();
+        desc.m_Max = param.maximum.asReal();
+        desc.m_Default = param.defaultValue.asReal();
     } else {
-        spec.m_Min = param.minimum.asInt();
-        spec.m_Max = param.maximum.asInt();
+        desc.m_Min = param.minimum.asInt();
+        desc.m_Max = param.maximum.asInt();
         // A maximum below the minimum means the module sets no upper limit.
-        if (spec.m_Max < spec.m_Min) spec.m_Max = INT_MAX;
-        spec.m_Default = param.defaultValue.asInt();
+        if (desc.m_Max < desc.m_Min) desc.m_Max = INT_MAX;
+        desc.m_Default = param.defaultValue.asInt();
         // A module's own default is always a value it takes (Size's 0 for
         // "the source's size" lies below its declared minimum of 1).
-        spec.m_Min = std::min(spec.m_Min, spec.m_Default);
-        spec.m_Max = std::max(spec.m_Max, spec.m_Default);
+        desc.m_Min = std::min(desc.m_Min, desc.m_Default);
+        desc.m_Max = std::max(desc.m_Max, desc.m_Default);
         char choices[sizeof param.choices + 1] = {};
         memcpy(choices, param.choices, sizeof param.choices);
         std::vector<std::string> names = splitChoices(choices);
         // Integers whose names cover their whole range are choices too
         // (Blend's methods), whether or not the module asks for a list.
-        const bool named = !names.empty() && spec.m_Min == 0 &&
-                           spec.m_Max + 1 == static_cast<double>(names.size());
-        if (((type & kParamListHint) && spec.m_Max - spec.m_Min < 256) || named) {
-            spec.m_Kind = CModuleControl::Choice;
-            for (int value = 0; value <= static_cast<int>(spec.m_Max); ++value)
+        const bool named = !names.empty() && desc.m_Min == 0 &&
+                           desc.m_Max + 1 == static_cast<double>(names.size());
+        if (((type & kParamListHint) && desc.m_Max - desc.m_Min < 256) || named) {
+            desc.m_Kind = CModuleControl::Choice;
+            for (int value = 0; value <= static_cast<int>(desc.m_Max); ++value)
                 if (static_cast<size_t>(value) >= names.size())
                     names.push_back(std::to_string(value));
-            spec.m_Choices = std::move(names);
-        } else if (spec.m_Min == 0 && spec.m_Max == 1) {
-            spec.m_Kind = CModuleControl::Check;
+            desc.m_Choices = std::move(names);
+        } else if (desc.m_Min == 0 && desc.m_Max == 1) {
+            desc.m_Kind = CModuleControl::Check;
         }
     }
-    return spec;
+    return desc;
 }
 
 void quiet(const char*, va_list) {}
@@ -127,73 +127,73 @@ bool runsAlone(int index) {
 
 // ---- Module descriptions ---------------------------------------------------
 
-std::string CModuleSpec::UnusableReason() const {
+std::string CModuleDesc::UnusableReason() const {
     if (m_MinImages >= 2 || !m_RunsAlone)
         return m_Name + " needs a second image for every image, which Run Module does not give "
                         "(zytool run --second does).";
     return {};
 }
 
-std::string CModuleSpec::Remark() const {
+std::string CModuleDesc::Remark() const {
     if (m_Images >= 2 && m_MinImages < 2)
         return m_Name + " takes an optional second image; here it runs on each image alone.";
     return {};
 }
 
-bool CModuleSpec::CanPreview() const {
+bool CModuleDesc::CanPreview() const {
     // It opens an outside image editor and waits for the artist.
     return strcasecmp(m_Name.c_str(), "Photoshop") != 0;
 }
 
-std::vector<std::string> CModuleSpec::DefaultTexts() const {
+std::vector<std::string> CModuleDesc::DefaultTexts() const {
     std::vector<std::string> texts;
-    for (const CModuleValueSpec& value : m_Values)
+    for (const CModuleValueDesc& value : m_Values)
         texts.push_back(value.m_Kind == CModuleControl::Text
                             ? std::string()
                             : ModuleValueText(value, value.m_Default));
     return texts;
 }
 
-CModuleSpec DescribeModuleSpec(int index) {
+CModuleDesc DescribeModule(int index) {
     const int previous = module_current();
     module_select(index);
     GPtr<ModuleDescriptor> descriptor(module_describe());
     module_select(previous);
-    CModuleSpec spec;
-    spec.m_Index = index;
-    if (!descriptor) return spec;
-    spec.m_Name.assign(descriptor->name, strnlen(descriptor->name, sizeof descriptor->name));
-    spec.m_Description.assign(descriptor->description,
+    CModuleDesc desc;
+    desc.m_Index = index;
+    if (!descriptor) return desc;
+    desc.m_Name.assign(descriptor->name, strnlen(descriptor->name, sizeof descriptor->name));
+    desc.m_Description.assign(descriptor->description,
                               strnlen(descriptor->description, sizeof descriptor->description));
-    spec.m_MinImages = static_cast<int>(descriptor->minImages);
-    spec.m_Images = static_cast<int>(descriptor->images);
-    if (spec.m_Images >= 2) spec.m_RunsAlone = runsAlone(index);
+    desc.m_MinImages = static_cast<int>(descriptor->minImages);
+    desc.m_Images = static_cast<int>(descriptor->images);
+    if (desc.m_Images >= 2) desc.m_RunsAlone = runsAlone(index);
     const int count = std::min<int>(static_cast<int>(descriptor->paramCount), kModuleMaxParams);
     for (int i = 0; i < count; ++i)
-        spec.m_Values.push_back(valueSpec(descriptor->params[i], i));
-    return spec;
+        desc.m_Values.push_back(valueDesc(descriptor->params[i], i));
+    return desc;
 }
 
-const std::vector<CModuleSpec>& AllModuleSpecs() {
-    static const std::vector<CModuleSpec> specs = [] {
-        std::vector<CModuleSpec> list;
+const std::vector<CModuleDesc>& AllModuleDescs() {
+    static const std::vector<CModuleDesc> descs = [] {
+        std::vector<CModuleDesc> list;
         for (int i = 0; i < module_count(); ++i)
-            list.push_back(DescribeModuleSpec(i));
+            list.push_back(DescribeModule(i));
         return list;
     }();
-    return specs;
+    return descs;
 }
 
-const CModuleSpec* FindModuleSpec(const std::string& name) {
-    for (const CModuleSpec& spec : AllModuleSpecs())
-        if (!name.empty() && strcasecmp(spec.m_Name.c_str(), name.c_str()) == 0) return &spec;
+const CModuleDesc* FindModuleDesc(const std::string& name) {
+    for (const CModuleDesc& desc : AllModuleDescs())
+        if (!name.empty() && strcasecmp(desc.m_Name.c_str(), name.c_str()) == 0) return &desc;
     return nullptr;
 }
 
 // ---- Value texts -----------------------------------------------------------
 
-std::string ModuleValueText(const CModuleValueSpec& spec, double value) {
-    switch (spec.m_Kind) {
+std::string ModuleValueText(const CModuleValueDesc& desc, double value) {
+    switch (desc.m_Kind) {
     case CModuleControl::Real:
         return numberText(value);
     case CModuleControl::Mask:
@@ -205,8 +205,8 @@ std::string ModuleValueText(const CModuleValueSpec& spec, double value) {
     }
     case CModuleControl::Choice: {
         const double index = std::floor(value);
-        if (index >= 0 && index < static_cast<double>(spec.m_Choices.size()))
-            return spec.m_Choices[static_cast<size_t>(index)];
+        if (index >= 0 && index < static_cast<double>(desc.m_Choices.size()))
+            return desc.m_Choices[static_cast<size_t>(index)];
         return numberText(index);
     }
     case CModuleControl::Handle:
@@ -220,17 +220,17 @@ std::string ModuleValueText(const CModuleValueSpec& spec, double value) {
     return numberText(std::floor(value));
 }
 
-std::string ParseModuleValue(const CModuleValueSpec& spec, const std::string& raw, double& value) {
+std::string ParseModuleValue(const CModuleValueDesc& desc, const std::string& raw, double& value) {
     const std::string text = trimmed(raw);
     const std::string quoted = "'" + text + "'";
-    switch (spec.m_Kind) {
+    switch (desc.m_Kind) {
     case CModuleControl::Text:
         value = 0;
         return {};
     case CModuleControl::Handle:
         value = 0;
         if (text.empty() || text == "0") return {};
-        return spec.m_Name + ": is for programs only; give 0 here, not " + quoted + ".";
+        return desc.m_Name + ": is for programs only; give 0 here, not " + quoted + ".";
     case CModuleControl::Mask:
     case CModuleControl::Colour: {
         std::string digits = text;
@@ -241,8 +241,8 @@ std::string ParseModuleValue(const CModuleValueSpec& spec, const std::string& ra
         const bool hex = !digits.empty() && digits.size() <= 8 &&
                          digits.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
         if (!hex)
-            return spec.m_Name + ": " + quoted + " is not a hexadecimal value from " +
-                   rangeText(spec) + ".";
+            return desc.m_Name + ": " + quoted + " is not a hexadecimal value from " +
+                   rangeText(desc) + ".";
         value = static_cast<double>(strtoul(digits.c_str(), nullptr, 16));
         return {};
     }
@@ -251,17 +251,17 @@ std::string ParseModuleValue(const CModuleValueSpec& spec, const std::string& ra
         errno = 0;
         const double number = strtod(text.c_str(), &end);
         if (text.empty() || errno || *end || !std::isfinite(number))
-            return spec.m_Name + ": " + quoted + " is not a number (" + rangeText(spec) + ").";
-        if (number < spec.m_Min || number > spec.m_Max)
-            return spec.m_Name + ": " + text + " is outside the range " + rangeText(spec) + ".";
+            return desc.m_Name + ": " + quoted + " is not a number (" + rangeText(desc) + ").";
+        if (number < desc.m_Min || number > desc.m_Max)
+            return desc.m_Name + ": " + text + " is outside the range " + rangeText(desc) + ".";
         value = number;
         return {};
     }
     case CModuleControl::Choice:
         // The names first: the list's own texts must read back as they were
         // written, even where a name looks like a number (Rot's "90").
-        for (size_t i = 0; i < spec.m_Choices.size(); ++i)
-            if (strcasecmp(spec.m_Choices[i].c_str(), text.c_str()) == 0) {
+        for (size_t i = 0; i < desc.m_Choices.size(); ++i)
+            if (strcasecmp(desc.m_Choices[i].c_str(), text.c_str()) == 0) {
                 value = static_cast<double>(i);
                 return {};
             }
@@ -270,9 +270,9 @@ std::string ParseModuleValue(const CModuleValueSpec& spec, const std::string& ra
             (void)strtoll(text.c_str(), &end, 0);
             if (text.empty() || *end) {
                 std::string names;
-                for (const std::string& name : spec.m_Choices)
+                for (const std::string& name : desc.m_Choices)
                     names += (names.empty() ? "" : ", ") + name;
-                return spec.m_Name + ": " + quoted + " is not one of " + names + ".";
+                return desc.m_Name + ": " + quoted + " is not one of " + names + ".";
             }
         }
         [[fallthrough]];
@@ -282,10 +282,10 @@ std::string ParseModuleValue(const CModuleValueSpec& spec, const std::string& ra
         errno = 0;
         const long long number = strtoll(text.c_str(), &end, 0);
         if (text.empty() || errno || *end)
-            return spec.m_Name + ": " + quoted + " is not a whole number (" + rangeText(spec) +
+            return desc.m_Name + ": " + quoted + " is not a whole number (" + rangeText(desc) +
                    ").";
-        if (static_cast<double>(number) < spec.m_Min || static_cast<double>(number) > spec.m_Max)
-            return spec.m_Name + ": " + text + " is outside the range " + rangeText(spec) + ".";
+        if (static_cast<double>(number) < desc.m_Min || static_cast<double>(number) > desc.m_Max)
+            return desc.m_Name + ": " + text + " is outside the range " + rangeText(desc) + ".";
         value = static_cast<double>(number);
         return {};
     }
@@ -327,25 +327,25 @@ std::vector<std::string> SplitModuleTexts(const std::string& joined) {
 namespace {
 
 // The texts of a setting, each checked; the first refusal in `error`.
-std::vector<std::string> strictTexts(const CModuleSpec& spec, const std::string& setting,
+std::vector<std::string> strictTexts(const CModuleDesc& desc, const std::string& setting,
                                      std::string& error) {
     std::vector<std::string> texts = SplitModuleTexts(setting);
-    if (texts.size() > spec.m_Values.size() && !spec.m_Values.empty()) {
-        error = spec.m_Name + " takes " + std::to_string(spec.m_Values.size()) + " values, not " +
+    if (texts.size() > desc.m_Values.size() && !desc.m_Values.empty()) {
+        error = desc.m_Name + " takes " + std::to_string(desc.m_Values.size()) + " values, not " +
                 std::to_string(texts.size()) + ".";
         return {};
     }
-    if (spec.m_Values.empty() && !(texts.empty() || (texts.size() == 1 && texts[0].empty()))) {
-        error = spec.m_Name + " takes no values.";
+    if (desc.m_Values.empty() && !(texts.empty() || (texts.size() == 1 && texts[0].empty()))) {
+        error = desc.m_Name + " takes no values.";
         return {};
     }
-    const std::vector<std::string> defaults = spec.DefaultTexts();
+    const std::vector<std::string> defaults = desc.DefaultTexts();
     const size_t stored = texts.size();
     texts.resize(defaults.size());
     for (size_t i = 0; i < defaults.size(); ++i) {
         double value = 0;
         if (i >= stored) texts[i] = defaults[i];
-        error = ParseModuleValue(spec.m_Values[i], texts[i], value);
+        error = ParseModuleValue(desc.m_Values[i], texts[i], value);
         if (!error.empty()) return {};
     }
     return texts;
@@ -353,24 +353,24 @@ std::vector<std::string> strictTexts(const CModuleSpec& spec, const std::string&
 
 } // namespace
 
-std::vector<std::string> ModuleTextsFromSetting(const CModuleSpec& spec,
+std::vector<std::string> ModuleTextsFromSetting(const CModuleDesc& desc,
                                                 const std::string& setting) {
     const std::vector<std::string> stored = SplitModuleTexts(setting);
-    std::vector<std::string> texts = spec.DefaultTexts();
+    std::vector<std::string> texts = desc.DefaultTexts();
     for (size_t i = 0; i < texts.size() && i < stored.size(); ++i) {
         double value = 0;
-        if (ParseModuleValue(spec.m_Values[i], stored[i], value).empty()) texts[i] = stored[i];
+        if (ParseModuleValue(desc.m_Values[i], stored[i], value).empty()) texts[i] = stored[i];
     }
     return texts;
 }
 
-std::vector<ModuleValue> ModuleValuesFromTexts(const CModuleSpec& spec,
+std::vector<ModuleValue> ModuleValuesFromTexts(const CModuleDesc& desc,
                                                const std::vector<std::string>& texts,
                                                std::string& error) {
     std::vector<ModuleValue> values;
     error.clear();
-    for (size_t i = 0; i < spec.m_Values.size(); ++i) {
-        const CModuleValueSpec& value = spec.m_Values[i];
+    for (size_t i = 0; i < desc.m_Values.size(); ++i) {
+        const CModuleValueDesc& value = desc.m_Values[i];
         const std::string text = i < texts.size() ? texts[i] : std::string();
         if (value.m_Kind == CModuleControl::Text) {
             values.push_back(ModuleValue::ofPointer(
@@ -397,51 +397,51 @@ std::vector<CDialogField> CRunModuleDlgData::GetFields() {
     std::vector<CDialogField> fields;
     fields.push_back({kModuleKey, CDialogField::Text, &m_Module, 0, 0, "", "Module"});
     // The module table's names live as long as the program.
-    for (const CModuleSpec& spec : AllModuleSpecs())
+    for (const CModuleDesc& desc : AllModuleDescs())
         fields.push_back(
-            {spec.m_Name.c_str(), CDialogField::Text, &m_Settings[spec.m_Name], 0, 0, "", ""});
+            {desc.m_Name.c_str(), CDialogField::Text, &m_Settings[desc.m_Name], 0, 0, "", ""});
     return fields;
 }
 
 std::string CRunModuleDlgData::Validate() const {
-    const CModuleSpec* spec = FindModuleSpec(m_Module);
-    if (!spec) return "No module is named '" + m_Module + "' (see 'zytool modules').";
-    const std::string reason = spec->UnusableReason();
+    const CModuleDesc* desc = FindModuleDesc(m_Module);
+    if (!desc) return "No module is named '" + m_Module + "' (see 'zytool modules').";
+    const std::string reason = desc->UnusableReason();
     if (!reason.empty()) return reason;
-    auto it = m_Settings.find(spec->m_Name);
+    auto it = m_Settings.find(desc->m_Name);
     std::string error;
-    strictTexts(*spec, it == m_Settings.end() ? std::string() : it->second, error);
+    strictTexts(*desc, it == m_Settings.end() ? std::string() : it->second, error);
     return error;
 }
 
 std::vector<std::string> CRunModuleDlgData::Texts() const {
-    const CModuleSpec* spec = FindModuleSpec(m_Module);
-    if (!spec) return {};
-    auto it = m_Settings.find(spec->m_Name);
-    return ModuleTextsFromSetting(*spec, it == m_Settings.end() ? std::string() : it->second);
+    const CModuleDesc* desc = FindModuleDesc(m_Module);
+    if (!desc) return {};
+    auto it = m_Settings.find(desc->m_Name);
+    return ModuleTextsFromSetting(*desc, it == m_Settings.end() ? std::string() : it->second);
 }
 
 void CRunModuleDlgData::SetTexts(const std::string& module, const std::vector<std::string>& texts) {
-    const CModuleSpec* spec = FindModuleSpec(module);
-    m_Settings[spec ? spec->m_Name : module] = JoinModuleTexts(texts);
+    const CModuleDesc* desc = FindModuleDesc(module);
+    m_Settings[desc ? desc->m_Name : module] = JoinModuleTexts(texts);
 }
 
 void CRunModuleDlgData::Load() {
     CProfile& profile = ZyProfile();
     m_Module = profile.GetString(kSection, kModuleKey, kFirstModule);
-    if (!FindModuleSpec(m_Module)) m_Module = kFirstModule;
-    for (const CModuleSpec& spec : AllModuleSpecs()) {
-        const std::string stored = profile.GetString(kSection, spec.m_Name, "");
-        if (!stored.empty()) m_Settings[spec.m_Name] = stored;
+    if (!FindModuleDesc(m_Module)) m_Module = kFirstModule;
+    for (const CModuleDesc& desc : AllModuleDescs()) {
+        const std::string stored = profile.GetString(kSection, desc.m_Name, "");
+        if (!stored.empty()) m_Settings[desc.m_Name] = stored;
     }
 }
 
 void CRunModuleDlgData::Save() const {
-    const CModuleSpec* spec = FindModuleSpec(m_Module);
-    if (!spec) return;
+    const CModuleDesc* desc = FindModuleDesc(m_Module);
+    if (!desc) return;
     CProfile& profile = ZyProfile();
-    profile.WriteString(kSection, kModuleKey, spec->m_Name);
-    profile.WriteString(kSection, spec->m_Name, JoinModuleTexts(Texts()));
+    profile.WriteString(kSection, kModuleKey, desc->m_Name);
+    profile.WriteString(kSection, desc->m_Name, JoinModuleTexts(Texts()));
 }
 
 // ---- The command -----------------------------------------------------------
@@ -455,15 +455,15 @@ bool CRunModuleCmd::Init(CTavixDoc* doc) {
     data.Load();
     OfferPreview(data, doc, [](const CDialogData& dialog, const CTavixImage& image) {
         const auto& values = static_cast<const CRunModuleDlgData&>(dialog);
-        const CModuleSpec* spec = FindModuleSpec(values.m_Module);
-        if (!spec || !spec->UnusableReason().empty() || !spec->CanPreview() ||
+        const CModuleDesc* desc = FindModuleDesc(values.m_Module);
+        if (!desc || !desc->UnusableReason().empty() || !desc->CanPreview() ||
             !values.Validate().empty())
             return std::unique_ptr<CTavixImage>();
         const std::vector<std::string> texts = values.Texts();
         std::string error;
-        const std::vector<ModuleValue> slots = ModuleValuesFromTexts(*spec, texts, error);
+        const std::vector<ModuleValue> slots = ModuleValuesFromTexts(*desc, texts, error);
         if (!error.empty()) return std::unique_ptr<CTavixImage>();
-        return image.RunModule(spec->m_Index, slots.data(), static_cast<int>(slots.size()));
+        return image.RunModule(desc->m_Index, slots.data(), static_cast<int>(slots.size()));
     });
     if (!ZyUi().EditDialog(data)) return false;
     const std::string refusal = data.Validate();
@@ -471,32 +471,32 @@ bool CRunModuleCmd::Init(CTavixDoc* doc) {
         ZyUi().MessageBox(refusal, MsgButtons::OK, MsgIcon::Warning);
         return false;
     }
-    const CModuleSpec* spec = FindModuleSpec(data.m_Module);
-    auto it = data.m_Settings.find(spec->m_Name);
+    const CModuleDesc* desc = FindModuleDesc(data.m_Module);
+    auto it = data.m_Settings.find(desc->m_Name);
     std::string error;
     const std::vector<std::string> texts =
-        strictTexts(*spec, it == data.m_Settings.end() ? std::string() : it->second, error);
-    data.m_Settings[spec->m_Name] = JoinModuleTexts(texts);
+        strictTexts(*desc, it == data.m_Settings.end() ? std::string() : it->second, error);
+    data.m_Settings[desc->m_Name] = JoinModuleTexts(texts);
     data.Save();
-    return Init(doc, spec->m_Name, texts);
+    return Init(doc, desc->m_Name, texts);
 }
 
 bool CRunModuleCmd::Init(CTavixDoc* doc, const std::string& module,
                          const std::vector<std::string>& texts) {
-    const CModuleSpec* spec = FindModuleSpec(module);
-    if (!spec || !spec->UnusableReason().empty()) return false;
+    const CModuleDesc* desc = FindModuleDesc(module);
+    if (!desc || !desc->UnusableReason().empty()) return false;
     m_Texts = texts;
-    const std::vector<std::string> defaults = spec->DefaultTexts();
+    const std::vector<std::string> defaults = desc->DefaultTexts();
     for (size_t i = m_Texts.size(); i < defaults.size(); ++i)
         m_Texts.push_back(defaults[i]);
     std::string error;
-    m_Values = ModuleValuesFromTexts(*spec, m_Texts, error);
+    m_Values = ModuleValuesFromTexts(*desc, m_Texts, error);
     if (!error.empty()) {
         ZyUi().MessageBox(error, MsgButtons::OK, MsgIcon::Warning);
         return false;
     }
-    m_Module = spec->m_Index;
-    m_Name = spec->m_Description.empty() ? spec->m_Name : spec->m_Description;
+    m_Module = desc->m_Index;
+    m_Name = desc->m_Description.empty() ? desc->m_Name : desc->m_Description;
     return CUndoableCmd::Init(doc);
 }
 

@@ -22,7 +22,7 @@
 // How the dialog shows one value of a module.
 enum class CModuleControl { Integer, Real, Check, Choice, Mask, Colour, Text, Handle };
 
-struct CModuleValueSpec {
+struct CModuleValueDesc {
     std::string m_Name; // the descriptor's, "Value n" when it gives none
     CModuleControl m_Kind = CModuleControl::Integer;
     double m_Min = 0; // for masks and colours 0 .. 0xFFFFFFFF
@@ -31,14 +31,14 @@ struct CModuleValueSpec {
     std::vector<std::string> m_Choices; // names of values 0, 1, 2 ... (Choice)
 };
 
-struct CModuleSpec {
+struct CModuleDesc {
     int m_Index = 0;
     std::string m_Name;        // the lookup name ("Flip")
     std::string m_Description; // "Flip", "Gausian Blur"
     int m_MinImages = 1;
     int m_Images = 1;
     bool m_RunsAlone = true; // gives a result without a second image
-    std::vector<CModuleValueSpec> m_Values;
+    std::vector<CModuleValueDesc> m_Values;
 
     // Why the dialog cannot run this module, or empty when it can.
     std::string UnusableReason() const;
@@ -54,33 +54,33 @@ struct CModuleSpec {
 
 // The descriptor of module `index` in the dialog's terms; the module that
 // was current stays current.
-CModuleSpec DescribeModuleSpec(int index);
+CModuleDesc DescribeModule(int index);
 // Every module of the table, in table order.
-const std::vector<CModuleSpec>& AllModuleSpecs();
+const std::vector<CModuleDesc>& AllModuleDescs();
 // The module named `name` (ASCII case ignored), or null.
-const CModuleSpec* FindModuleSpec(const std::string& name);
+const CModuleDesc* FindModuleDesc(const std::string& name);
 
 // The text of a value for its control, and back.
-std::string ModuleValueText(const CModuleValueSpec& spec, double value);
-// Reads `text` for `spec`: the number it stands for (choice names, hex and
+std::string ModuleValueText(const CModuleValueDesc& desc, double value);
+// Reads `text` for `desc`: the number it stands for (choice names, hex and
 // decimal integers, reals). Empty on success, else why not, naming the
 // value and its range: "Amount: 300 is outside 1 to 255".
-std::string ParseModuleValue(const CModuleValueSpec& spec, const std::string& text, double& value);
+std::string ParseModuleValue(const CModuleValueDesc& desc, const std::string& text, double& value);
 
 // The comma-separated setting of a module's texts, and back. Missing
 // trailing texts are left for the caller to default.
 std::string JoinModuleTexts(const std::vector<std::string>& texts);
 std::vector<std::string> SplitModuleTexts(const std::string& joined);
 
-// The texts of `spec` from a setting: the stored ones where they read,
+// The texts of `desc` from a setting: the stored ones where they read,
 // defaults for the rest (a stored text that no longer fits gives way to
 // the default, so an old setting never blocks the dialog).
-std::vector<std::string> ModuleTextsFromSetting(const CModuleSpec& spec,
+std::vector<std::string> ModuleTextsFromSetting(const CModuleDesc& desc,
                                                 const std::string& setting);
 
 // The value slots for `texts`. Text slots point into `texts`, which must
 // outlive the run; handle slots are null. Empty `error` on success.
-std::vector<ModuleValue> ModuleValuesFromTexts(const CModuleSpec& spec,
+std::vector<ModuleValue> ModuleValuesFromTexts(const CModuleDesc& desc,
                                                const std::vector<std::string>& texts,
                                                std::string& error);
 

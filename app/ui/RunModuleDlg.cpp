@@ -38,9 +38,9 @@ int clampInt(double value) {
 }
 
 // Decimals enough to show the smallest limit of a real.
-int decimalsFor(const CModuleValueSpec& spec) {
-    const double smallest = std::min(spec.m_Min != 0 ? std::fabs(spec.m_Min) : 1.0,
-                                     spec.m_Max != 0 ? std::fabs(spec.m_Max) : 1.0);
+int decimalsFor(const CModuleValueDesc& desc) {
+    const double smallest = std::min(desc.m_Min != 0 ? std::fabs(desc.m_Min) : 1.0,
+                                     desc.m_Max != 0 ? std::fabs(desc.m_Max) : 1.0);
     return smallest < 0.001 ? 8 : 3;
 }
 
@@ -49,7 +49,7 @@ int decimalsFor(const CModuleValueSpec& spec) {
 // sets its byte to 0xFF) and, for colours, a button with the colour that
 // opens the colour dialog with alpha. The line and the boxes follow each
 // other; `changed` runs after every edit.
-QWidget* wordEditor(const CModuleValueSpec& spec, const std::string& text, int slot,
+QWidget* wordEditor(const CModuleValueDesc& desc, const std::string& text, int slot,
                     const std::function<void()>& changed,
                     std::vector<std::function<std::string()>>& readers) {
     auto* box = new QWidget;
@@ -62,17 +62,17 @@ QWidget* wordEditor(const CModuleValueSpec& spec, const std::string& text, int s
     row->addWidget(line);
     readers.push_back([line] { return line->text().toStdString(); });
     auto loading = std::make_shared<bool>(false);
-    auto word = [spec, line](uint32_t& out) {
+    auto word = [desc, line](uint32_t& out) {
         double value = 0;
-        if (!ParseModuleValue(spec, line->text().toStdString(), value).empty()) return false;
+        if (!ParseModuleValue(desc, line->text().toStdString(), value).empty()) return false;
         out = static_cast<uint32_t>(value);
         return true;
     };
-    auto setWord = [spec, line](uint32_t value) {
-        line->setText(QString::fromStdString(ModuleValueText(spec, value)));
+    auto setWord = [desc, line](uint32_t value) {
+        line->setText(QString::fromStdString(ModuleValueText(desc, value)));
     };
 
-    if (spec.m_Kind == CModuleControl::Mask) {
+    if (desc.m_Kind == CModuleControl::Mask) {
         std::vector<QCheckBox*> checks;
         for (int c = 0; c < kChannels; ++c) {
             auto* check = new QCheckBox(kChannelNames[c]);
@@ -135,7 +135,7 @@ QWidget* wordEditor(const CModuleValueSpec& spec, const std::string& text, int s
             uint32_t value = 0;
             word(value);
             const QColor chosen = QColorDialog::getColor(QColor::fromRgba(value), button,
-                                                         QString::fromStdString(spec.m_Name),
+                                                         QString::fromStdString(desc.m_Name),
                                                          QColorDialog::ShowAlphaChannel);
             if (!chosen.isValid()) return;
             setWord(chosen.rgba());
@@ -149,17 +149,17 @@ QWidget* wordEditor(const CModuleValueSpec& spec, const std::string& text, int s
 
 // The control of one value, or null for a slot the user cannot give (a
 // program's handle, passed as 0).
-QWidget* editorFor(const CModuleValueSpec& spec, const std::string& text, int slot,
+QWidget* editorFor(const CModuleValueDesc& desc, const std::string& text, int slot,
                    const std::function<void()>& changed,
                    std::vector<std::function<std::string()>>& readers) {
     double value = 0;
-    ParseModuleValue(spec, text, value);
+    ParseModuleValue(desc, text, value);
     const QString name = QString("value%1").arg(slot);
-    switch (spec.m_Kind) {
+    switch (desc.m_Kind) {
     case CModuleControl::Integer: {
         auto* box = new QSpinBox;
         box->setObjectName(name);
-        box->setRange(clampInt(spec.m_Min), clampInt(spec.m_Max));
+        box->setRange(clampInt(desc.m_Min), clampInt(desc.m_Max));
         box->setValue(clampInt(value));
         readers.push_back([box] { return std::to_string(box->value()); });
         QObject::connect(box, &QSpinBox::valueChanged, box, changed);
@@ -168,10 +168,10 @@ QWidget* editorFor(const CModuleValueSpec& spec, const std::string& text, int sl
     case CModuleControl::Real: {
         auto* box = new QDoubleSpinBox;
         box->setObjectName(name);
-        box->setDecimals(decimalsFor(spec));
-        box->setRange(spec.m_Min, spec.m_Max);
+        box->setDecimals(decimalsFor(desc));
+        box->setRange(desc.m_Min, desc.m_Max);
         box->setValue(value);
-        readers.push_back([box, spec] { return ModuleValueText(spec, box->value()); });
+        readers.push_back([box, desc] { return ModuleValueText(desc, box->value()); });
         QObject::connect(box, &QDoubleSpinBox::valueChanged, box, changed);
         return box;
     }
@@ -186,16 +186,16 @@ QWidget* editorFor(const CModuleValueSpec& spec, const std::string& text, int sl
     case CModuleControl::Choice: {
         auto* list = new QComboBox;
         list->setObjectName(name);
-        for (const std::string& choice : spec.m_Choices)
+        for (const std::string& choice : desc.m_Choices)
             list->addItem(QString::fromStdString(choice));
         list->setCurrentIndex(static_cast<int>(value));
-        readers.push_back([list, spec] { return ModuleValueText(spec, list->currentIndex()); });
+        readers.push_back([list, desc] { return ModuleValueText(desc, list->currentIndex()); });
         QObject::connect(list, &QComboBox::currentIndexChanged, list, changed);
         return list;
     }
     case CModuleControl::Mask:
     case CModuleControl::Colour:
-        return wordEditor(spec, text, slot, changed, readers);
+        return wordEditor(desc, text, slot, changed, readers);
     case CModuleControl::Text: {
         auto* line = new QLineEdit(QString::fromStdString(text));
         line->setObjectName(name);
@@ -211,8 +211,8 @@ QWidget* editorFor(const CModuleValueSpec& spec, const std::string& text, int sl
     return nullptr;
 }
 
-QString listText(const CModuleSpec& spec) {
-    return QString::fromStdString(spec.m_Name);
+QString listText(const CModuleDesc& desc) {
+    return QString::fromStdString(desc.m_Name);
 }
 
 } // namespace
@@ -229,10 +229,10 @@ CRunModuleDlg::CRunModuleDlg(CRunModuleDlgData& data, QWidget* parent)
     m_List->setHeaderLabels({"Module", "Description"});
     m_List->setRootIsDecorated(false);
     m_List->setUniformRowHeights(true);
-    for (const CModuleSpec& spec : AllModuleSpecs()) {
+    for (const CModuleDesc& desc : AllModuleDescs()) {
         auto* item = new QTreeWidgetItem(
-            m_List, {listText(spec), QString::fromStdString(spec.m_Description)});
-        const std::string reason = spec.UnusableReason();
+            m_List, {listText(desc), QString::fromStdString(desc.m_Description)});
+        const std::string reason = desc.UnusableReason();
         if (!reason.empty()) {
             // Still selectable, so that its page can say why it cannot run.
             item->setForeground(0, palette().color(QPalette::Disabled, QPalette::Text));
@@ -283,11 +283,11 @@ CRunModuleDlg::CRunModuleDlg(CRunModuleDlgData& data, QWidget* parent)
     connect(m_List, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
         if (!item || m_Loading) return;
         const int index = m_List->indexOfTopLevelItem(item);
-        if (index < 0 || index >= static_cast<int>(AllModuleSpecs().size())) return;
+        if (index < 0 || index >= static_cast<int>(AllModuleDescs().size())) return;
         // The values of the module left stay with the data, so coming back
         // to it finds them again.
         Changed();
-        m_Data.m_Module = AllModuleSpecs()[static_cast<size_t>(index)].m_Name;
+        m_Data.m_Module = AllModuleDescs()[static_cast<size_t>(index)].m_Name;
         BuildPage();
         Changed();
     });
@@ -295,21 +295,21 @@ CRunModuleDlg::CRunModuleDlg(CRunModuleDlgData& data, QWidget* parent)
 }
 
 void CRunModuleDlg::ChooseModule(const std::string& name) {
-    const CModuleSpec* spec = FindModuleSpec(name);
-    if (!spec) spec = &AllModuleSpecs().front();
-    QTreeWidgetItem* item = m_List->topLevelItem(spec->m_Index);
+    const CModuleDesc* desc = FindModuleDesc(name);
+    if (!desc) desc = &AllModuleDescs().front();
+    QTreeWidgetItem* item = m_List->topLevelItem(desc->m_Index);
     Changed();
     m_Loading = true;
     m_List->setCurrentItem(item);
     m_List->scrollToItem(item, QAbstractItemView::PositionAtCenter);
     m_Loading = false;
-    m_Data.m_Module = spec->m_Name;
+    m_Data.m_Module = desc->m_Name;
     BuildPage();
     Changed();
 }
 
 void CRunModuleDlg::BuildPage() {
-    const CModuleSpec* spec = FindModuleSpec(m_Data.m_Module);
+    const CModuleDesc* desc = FindModuleDesc(m_Data.m_Module);
     // A fresh page: the old controls go with their readers.
     m_Readers.clear();
     m_PageModule.clear();
@@ -318,24 +318,24 @@ void CRunModuleDlg::BuildPage() {
     m_Form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
     delete m_Scroll->takeWidget();
     m_Scroll->setWidget(page);
-    if (!spec) return;
-    m_Title->setText(QString::fromStdString(spec->m_Description + " (" + spec->m_Name + ")"));
+    if (!desc) return;
+    m_Title->setText(QString::fromStdString(desc->m_Description + " (" + desc->m_Name + ")"));
     m_Loading = true;
     const std::vector<std::string> texts = m_Data.Texts();
     auto changed = [this] { Changed(); };
-    for (size_t i = 0; i < spec->m_Values.size(); ++i) {
-        const CModuleValueSpec& value = spec->m_Values[i];
+    for (size_t i = 0; i < desc->m_Values.size(); ++i) {
+        const CModuleValueDesc& value = desc->m_Values[i];
         QWidget* editor = editorFor(value, i < texts.size() ? texts[i] : std::string(),
                                     static_cast<int>(i), changed, m_Readers);
         if (editor) m_Form->addRow(QString::fromStdString(value.m_Name) + ':', editor);
     }
-    if (spec->m_Values.empty()) m_Form->addRow(new QLabel("This module takes no values."));
+    if (desc->m_Values.empty()) m_Form->addRow(new QLabel("This module takes no values."));
     m_Loading = false;
-    m_PageModule = spec->m_Name;
+    m_PageModule = desc->m_Name;
 
-    const std::string reason = spec->UnusableReason();
-    std::string note = reason.empty() ? spec->Remark() : reason;
-    if (reason.empty() && !spec->CanPreview())
+    const std::string reason = desc->UnusableReason();
+    std::string note = reason.empty() ? desc->Remark() : reason;
+    if (reason.empty() && !desc->CanPreview())
         note += (note.empty() ? "" : " ") +
                 std::string("It opens an outside image editor, so it has no preview.");
     m_Note->setText(QString::fromStdString(note));

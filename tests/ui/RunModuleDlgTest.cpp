@@ -68,12 +68,12 @@ struct Dialog {
             data.m_PreviewSource = preview;
             data.m_Preview = [](const CDialogData& d, const CTavixImage& source) {
                 const auto& values = static_cast<const CRunModuleDlgData&>(d);
-                const CModuleSpec* spec = FindModuleSpec(values.m_Module);
+                const CModuleDesc* desc = FindModuleDesc(values.m_Module);
                 std::string error;
                 const std::vector<std::string> texts = values.Texts();
                 const std::vector<ModuleValue> moduleValues =
-                    ModuleValuesFromTexts(*spec, texts, error);
-                return source.RunModule(spec->m_Index, moduleValues.data(),
+                    ModuleValuesFromTexts(*desc, texts, error);
+                return source.RunModule(desc->m_Index, moduleValues.data(),
                                         int(moduleValues.size()));
             };
         }
@@ -160,7 +160,7 @@ TEST(RunModuleDialog, BuildsTheControlsTheDescriptorAsksFor) {
 
 TEST(RunModuleDialog, ListsEveryModuleAndExplainsTheOnesItCannotRun) {
     EnsureApplication();
-    EXPECT_EQ(static_cast<int>(AllModuleSpecs().size()), module_count());
+    EXPECT_EQ(static_cast<int>(AllModuleDescs().size()), module_count());
     const struct {
         const char* module;
         bool runs;
@@ -384,21 +384,21 @@ TEST(RunModuleCommand, OkFiltersTheSelectionAndUndoRestoresItExactly) {
         doc->GetCommandHandler().OnCommandRange(ZyIds::RunModule);
         ASSERT_TRUE(doc->GetCommandHandler().GetCurrent());
 
-        const CModuleSpec* spec = FindModuleSpec(c.module);
+        const CModuleDesc* desc = FindModuleDesc(c.module);
         for (int i = 0; i < 3; ++i) {
             if (i == 1) {
                 EXPECT_EQ(pixels(*doc->GetImageAt(i)), original[1]) << "not selected";
                 continue;
             }
             auto source = ramp("x");
-            auto expected = source->RunModule(spec->m_Index, c.values.data(), int(c.values.size()));
+            auto expected = source->RunModule(desc->m_Index, c.values.data(), int(c.values.size()));
             EXPECT_EQ(pixels(*doc->GetImageAt(i)), pixels(*expected)) << i;
         }
         CCmdUI undo(ID_EDIT_UNDO);
         doc->GetCommandHandler().OnUpdateUndo(&undo);
         EXPECT_EQ(undo.m_strText.substr(0, strlen(c.undoName)), c.undoName) << undo.m_strText;
-        EXPECT_EQ(profile.Profile().GetString("CRunModuleDlg", spec->m_Name, ""), c.stored);
-        EXPECT_EQ(profile.Profile().GetString("CRunModuleDlg", "m_Module", ""), spec->m_Name);
+        EXPECT_EQ(profile.Profile().GetString("CRunModuleDlg", desc->m_Name, ""), c.stored);
+        EXPECT_EQ(profile.Profile().GetString("CRunModuleDlg", "m_Module", ""), desc->m_Name);
 
         doc->GetCommandHandler().OnUndo();
         for (int i = 0; i < 3; ++i)
