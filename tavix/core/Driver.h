@@ -63,6 +63,26 @@ class FrameWriter {
     }
 };
 
+// A writer that lays its file out through a BlockSink: into memory for
+// finish(), or piece by piece to the stream for finishTo(), which has
+// nothing left to do once addDirect() has written the frames there.
+class SinkWriter : public FrameWriter {
+  public:
+    void finish(Bytes& file) final {
+        BlockSink sink(file);
+        finishInto(sink);
+    }
+    void finishTo(intptr_t stream) final {
+        if (m_streamed) return;
+        BlockSink sink(stream);
+        finishInto(sink);
+    }
+
+  protected:
+    virtual void finishInto(BlockSink& sink) = 0;
+    bool m_streamed = false; // addDirect() wrote the frames to the stream
+};
+
 enum DetectScore { kNotMine = 0, kByName = 1, kByContent = 2 };
 
 struct Driver {

@@ -502,7 +502,7 @@ int paletteEntries(const FrameView& frame) {
 // A bitmap file holds one frame, so a caller's frame is written at once,
 // straight from its rows; a frame handed over as a picture is written the
 // same way when the file is finished.
-class BmpWriter : public FrameWriter {
+class BmpWriter : public SinkWriter {
   public:
     void add(const TavixInfo& info, std::span<const uint8_t>, Picture&& picture) override {
         take(info);
@@ -514,19 +514,8 @@ class BmpWriter : public FrameWriter {
         take(info);
         BlockSink sink(stream);
         write(frame, sink);
-        m_written = true;
+        m_streamed = true;
         return true;
-    }
-
-    void finish(Bytes& file) override {
-        BlockSink sink(file);
-        finishInto(sink);
-    }
-
-    void finishTo(intptr_t stream) override {
-        if (m_written) return;
-        BlockSink sink(stream);
-        finishInto(sink);
     }
 
   private:
@@ -539,7 +528,7 @@ class BmpWriter : public FrameWriter {
         m_has = true;
     }
 
-    void finishInto(BlockSink& sink) {
+    void finishInto(BlockSink& sink) override {
         if (!m_has) fail("no image was given to write");
         write(viewOf(m_picture), sink);
     }
@@ -645,7 +634,6 @@ class BmpWriter : public FrameWriter {
 
     Picture m_picture;
     bool m_has = false;
-    bool m_written = false; // addDirect wrote the whole file
     bool m_keepAlpha = false;
     int32_t m_pixelsPerMetre = 2835;
 };

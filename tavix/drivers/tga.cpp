@@ -518,7 +518,7 @@ void packRow(ByteWriter& out, const uint8_t* row, size_t count, size_t bytes) {
 // writer writes a caller's frame at once, straight from its rows; a frame
 // handed over as a picture is written the same way when the file is
 // finished.
-class TgaWriter : public FrameWriter {
+class TgaWriter : public SinkWriter {
   public:
     void add(const TavixInfo& info, std::span<const uint8_t>, Picture&& picture) override {
         take(info, picture.width, picture.height);
@@ -530,19 +530,8 @@ class TgaWriter : public FrameWriter {
         take(info, frame.width, frame.height);
         BlockSink sink(stream);
         write(frame, sink);
-        m_written = true;
+        m_streamed = true;
         return true;
-    }
-
-    void finishTo(intptr_t stream) override {
-        if (m_written) return;
-        BlockSink sink(stream);
-        finishInto(sink);
-    }
-
-    void finish(Bytes& file) override {
-        BlockSink sink(file);
-        finishInto(sink);
     }
 
   private:
@@ -556,7 +545,7 @@ class TgaWriter : public FrameWriter {
         m_has = true;
     }
 
-    void finishInto(BlockSink& sink) {
+    void finishInto(BlockSink& sink) override {
         if (!m_has) fail("no image was given to write");
         write(viewOf(m_picture), sink);
     }
@@ -652,7 +641,6 @@ class TgaWriter : public FrameWriter {
 
     Picture m_picture;
     bool m_has = false;
-    bool m_written = false; // addDirect wrote the whole file
     bool m_packed = false;
     bool m_keepAlpha = false;
 };

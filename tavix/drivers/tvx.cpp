@@ -170,12 +170,12 @@ class TvxReader : public FrameReader {
 // frame a caller hands in is written at once, straight from its rows; the
 // file starts with the frame count announced when it was created. Frames
 // handed over as pictures are kept and written when the file is finished.
-class TvxWriter : public FrameWriter {
+class TvxWriter : public SinkWriter {
   public:
     explicit TvxWriter(int frames) : m_announced(static_cast<uint32_t>(frames)) {}
 
     void add(const TavixInfo& info, std::span<const uint8_t> tail, Picture&& picture) override {
-        if (m_direct) {
+        if (m_streamed) {
             // The frames before went out already: this one follows at once.
             addDirect(m_stream, info, tail, viewOf(picture));
             return;
@@ -190,8 +190,8 @@ class TvxWriter : public FrameWriter {
                    const FrameView& frame) override {
         if (!m_frames.empty()) return false; // keep the order of the frames
         BlockSink sink(stream);
-        if (!m_direct) start(sink, m_announced);
-        m_direct = true;
+        if (!m_streamed) start(sink, m_announced);
+        m_streamed = true;
         m_stream = stream;
         Bytes record;
         head(info, tail, frame.indexed, record);
@@ -199,17 +199,6 @@ class TvxWriter : public FrameWriter {
         pixels(frame, sink);
         sink.flush();
         return true;
-    }
-
-    void finish(Bytes& file) override {
-        BlockSink sink(file);
-        finishInto(sink);
-    }
-
-    void finishTo(intptr_t stream) override {
-        if (m_direct) return;
-        BlockSink sink(stream);
-        finishInto(sink);
     }
 
   private:
@@ -263,7 +252,7 @@ class TvxWriter : public FrameWriter {
         }
     }
 
-    void finishInto(BlockSink& sink) {
+    void finishInto(BlockSink& sink) override {
         start(sink, static_cast<uint32_t>(m_frames.size()));
         for (const auto& frame : m_frames) {
             sink.put(frame->head.data(), frame->head.size());
@@ -274,7 +263,6 @@ class TvxWriter : public FrameWriter {
 
     uint32_t m_announced;
     uint32_t m_count = 0;
-    bool m_direct = false; // frames went straight to the stream
     intptr_t m_stream = 0;
     HostVector<HostPtr<Pending>> m_frames;
 };
